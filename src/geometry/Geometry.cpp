@@ -1,0 +1,127 @@
+// Angle conversions, look-ahead projection and the crossing test.
+//
+// Every rounding below is part of the required result. A value declared
+// float is rounded to single precision where it is stored; an expression
+// that mixes float and double is evaluated in double. The build forbids
+// contracting a*b+c into one fused operation and keeps GCC's SLP vectoriser
+// from deleting the double -> float -> double round trips of a coordinate
+// pair (see cmake/TarvoCompilerOptions.cmake); the tests pin the results.
+#include "TarvoFramework/Geometry.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+
+// Earth radius in km; stored in single precision it is 6371.009765625.
+constexpr float kEarthRadiusKm = 6371.01f;
+constexpr float kSideOffsetDegrees = 10.0f;
+// Hours in 4 s and 2 s, as eight-decimal values (not 1/900 and 1/1800).
+constexpr double kFarHours = 0.00111111;
+constexpr double kMidHours = 0.00055556;
+
+// The maths library in double precision. In C++, std::sin(float) would pick
+// the single-precision overload; every call here must widen first.
+double dsin(double x) { return std::sin(x); }
+double dcos(double x) { return std::cos(x); }
+double dasin(double x) { return std::asin(x); }
+double datan2(double y, double x) { return std::atan2(y, x); }
+
+// The parts of the destination formula that depend only on the fix.
+struct Origin {
+  float phi1;     // latitude, radians
+  float lambda1;  // longitude, radians
+  float sinPhi1;
+  float cosPhi1;
+};
+
+Origin makeOrigin(float latitudeDeg, float longitudeDeg) {
+  Origin o;
+  o.phi1 = static_cast<float>(DegreesToRadians(latitudeDeg));
+  o.lambda1 = static_cast<float>(DegreesToRadians(longitudeDeg));
+  o.cosPhi1 = static_cast<float>(dcos(o.phi1));
+  o.sinPhi1 = static_cast<float>(dsin(o.phi1));
+  return o;
+}
+
+// Great-circle destination from the origin on bearing `bearingDeg` after
+// `distanceKm`. The products p and q are single; q * cos(theta) and the
+// sums stay double until they are stored.
+tarvo::CLLocationCoordinate2D destination(const Origin& o, float bearingDeg,
+                                          float distanceKm) {
+  const float theta = static_cast<float>(DegreesToRadians(bearingDeg));
+  const float delta = distanceKm / kEarthRadiusKm;
+  const float sinDelta = static_cast<float>(dsin(delta));
+  const float cosDelta = static_cast<float>(dcos(delta));
+  const float p = o.sinPhi1 * cosDelta;
+  const float q = o.cosPhi1 * sinDelta;
+  const float phi2 = static_cast<float>(dasin(p + q * dcos(theta)));
+  const double y = (dsin(theta) * sinDelta) * o.cosPhi1;
+  const double x = cosDelta - o.sinPhi1 * dsin(phi2);
+  const float lambda2 = static_cast<float>(o.lambda1 + datan2(y, x));
+  const float latitude = static_cast<float>(RadiansToDegrees(phi2));
+  const float longitude = static_cast<float>(RadiansToDegrees(lambda2));
+  return tarvo::CLLocationCoordinate2DMake(latitude, longitude);
+}
+
+}  // namespace
+
+extern "C" {
+
+double DegreesToRadians(double degrees) { return (degrees * kPi) / 180.0; }
+
+double RadiansToDegrees(double radians) { return (radians * 180.0) / kPi; }
+
+}  // extern "C"
+
+namespace tarvo {
+
+PredictedPositions predictPositions(CLLocationCoordinate2D position,
+                                    double heading, double speed) {
+  // Exactly this comparison: a NaN speed is not replaced.
+  if (speed <= 0.0) speed = 0.0;
+  const float h = static_cast<float>(heading);
+  const float far = static_cast<float>(speed * kFarHours);
+  const float mid = static_cast<float>(speed * kMidHours);
+  const Origin origin = makeOrigin(static_cast<float>(position.latitude),
+                                   static_cast<float>(position.longitude));
+  const float left = h - kSideOffsetDegrees;
+  const float right = kSideOffsetDegrees + h;
+
+  PredictedPositions out;
+  out.left = destination(origin, left, far);
+  out.middle = destination(origin, h, far);
+  out.right = destination(origin, right, far);
+  out.midLeft = destination(origin, left, mid);
+  out.midMiddle = destination(origin, h, mid);
+  out.midRight = destination(origin, right, mid);
+  return out;
+}
+
+bool pointInPolygon(const DMPoint* vertices, std::int32_t count, float latitude,
+                    float longitude) {
+  if (vertices == nullptr) return false;
+  const double lat = latitude;
+  const double lon = longitude;
+  bool inside = false;
+  // j trails i, so the first edge examined is the closing one (last -> first).
+  for (std::int32_t i = 0, j = count - 1; i < count; j = i++) {
+    const DMPoint& pi = vertices[i];
+    const DMPoint& pj = vertices[j];
+    // Deliberately unlike: >= for the i end, > for the j end.
+    const bool iAtOrAbove = pi.longitude() >= lon;
+    const bool jAbove = pj.longitude() > lon;
+    if (iAtOrAbove != jAbove) {
+      // An edge along a meridian divides 0 by 0 here; the NaN never counts.
+      double d = pj.latitude() - pi.latitude();
+      d = d * (lon - pi.longitude());
+      d = d / (pj.longitude() - pi.longitude());
+      const double crossingLatitude = d + pi.latitude();
+      if (lat < crossingLatitude) inside = !inside;
+    }
+  }
+  return inside;
+}
+
+}  // namespace tarvo

@@ -1,0 +1,190 @@
+// Exact results of the angle conversions, the look-ahead projection and the
+// crossing test. These run in the optimised build users get: a compiler that
+// fuses or drops a rounding step fails here.
+#include <TarvoFramework/Coordinate.h>
+#include <TarvoFramework/Geometry.h>
+#include <TarvoFramework/version.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace {
+
+using tarvo::CLLocationCoordinate2D;
+using tarvo::DMPoint;
+using tarvo::DMPointArray;
+using tarvo::PredictedPositions;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+bool contains(const DMPointArray& ring, double lat, double lon) {
+  return tarvo::pointInPolygon(ring.data(), static_cast<int>(ring.size()),
+                               static_cast<float>(lat),
+                               static_cast<float>(lon));
+}
+
+// Rings as (latitude, longitude) vertex lists.
+const DMPointArray kSlanted = {
+    {10.0, 20.0}, {10.0, 20.004}, {10.002, 20.005}, {10.002, 20.001}};
+const DMPointArray kSquare = {{1.0, 1.0}, {1.0, 2.0}, {2.0, 2.0}, {2.0, 1.0}};
+const DMPointArray kDiamond = {{0.0, 1.0}, {1.0, 2.0}, {2.0, 1.0}, {1.0, 0.0}};
+
+TEST(Coordinate, ConversionsMultiplyBeforeTheyDivide) {
+  struct Case {
+    double in, out;
+    bool toRadians;
+  };
+  const Case cases[] = {
+      {180.0, M_PI, true},
+      {-90.0, -1.5707963267948966, true},
+      {3.0, 0.05235987755982988, true},  // 3 * (pi/180) ends in ...89
+      {M_PI, 180.0, false},
+      {0.1, 5.729577951308232, false},  // 0.1 * (180/pi) ends in ...33
+  };
+  for (const Case& c : cases) {
+    const double got =
+        c.toRadians ? DegreesToRadians(c.in) : RadiansToDegrees(c.in);
+    EXPECT_EQ(c.out, got) << c.in;
+  }
+  EXPECT_TRUE(std::isnan(DegreesToRadians(kNaN)));
+  EXPECT_EQ(INFINITY, RadiansToDegrees(INFINITY));
+}
+
+TEST(Version, SymbolsHoldTheirExactBytes) {
+  const char expected[] =
+      "@(#)PROGRAM:TarvoFramework  PROJECT:TarvoFramework-1\n";
+  EXPECT_EQ(
+      0, std::memcmp(expected, TarvoFrameworkVersionString, sizeof expected));
+  EXPECT_EQ(1.0, TarvoFrameworkVersionNumber);
+}
+
+struct Expected {
+  double lat, lon;
+};
+
+void expectPositions(const PredictedPositions& p, const Expected (&e)[6]) {
+  const CLLocationCoordinate2D got[6] = {p.left,    p.middle,    p.right,
+                                         p.midLeft, p.midMiddle, p.midRight};
+  const char* names[6] = {"left",    "middle",    "right",
+                          "midLeft", "midMiddle", "midRight"};
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(e[i].lat, got[i].latitude) << names[i];
+    EXPECT_EQ(e[i].lon, got[i].longitude) << names[i];
+  }
+}
+
+TEST(Projection, EastAtTenKmhMatchesSinglePrecisionTable) {
+  const Expected e[6] = {{12.971616744995117, 77.59469604492188},
+                         {12.971599578857422, 77.59469604492188},
+                         {12.971582412719727, 77.59469604492188},
+                         {12.97160816192627, 77.59464263916016},
+                         {12.971599578857422, 77.59465026855469},
+                         {12.971590995788574, 77.59464263916016}};
+  expectPositions(tarvo::predictPositions({12.9716, 77.5946}, 90.0, 10.0), e);
+}
+
+TEST(Projection, NorthEastAtHundredKmhMatchesSinglePrecisionTable) {
+  const Expected e[6] = {{12.972418785095215, 77.59518432617188},
+                         {12.972306251525879, 77.59532165527344},
+                         {12.972172737121582, 77.5954360961914},
+                         {12.97200870513916, 77.59488677978516},
+                         {12.971953392028809, 77.59495544433594},
+                         {12.971885681152344, 77.59501647949219}};
+  expectPositions(tarvo::predictPositions({12.9716, 77.5946}, 45.0, 100.0), e);
+}
+
+TEST(Projection, SpeedAtOrBelowZeroStaysPutAndNaNPropagates) {
+  for (double speed : {0.0, -5.0, -0.0}) {
+    const PredictedPositions p =
+        tarvo::predictPositions({12.9716, 77.5946}, 33.0, speed);
+    for (CLLocationCoordinate2D c :
+         {p.left, p.middle, p.right, p.midLeft, p.midMiddle, p.midRight}) {
+      EXPECT_EQ(12.971599578857422, c.latitude) << speed;
+      EXPECT_EQ(77.59459686279297, c.longitude) << speed;
+    }
+  }
+  const PredictedPositions p =
+      tarvo::predictPositions({12.9716, 77.5946}, 90.0, kNaN);
+  for (CLLocationCoordinate2D c :
+       {p.left, p.middle, p.right, p.midLeft, p.midMiddle, p.midRight}) {
+    EXPECT_TRUE(std::isnan(c.latitude) && std::isnan(c.longitude));
+  }
+}
+
+TEST(Projection, BearingsAndLongitudesAreNotNormalised) {
+  // Heading 5 puts the left points on bearing -5, which equals 355 up to a
+  // single-precision step.
+  const PredictedPositions a =
+      tarvo::predictPositions({47.45, 8.55}, 5.0, 120.0);
+  const PredictedPositions b =
+      tarvo::predictPositions({47.45, 8.55}, 365.0, 120.0);
+  EXPECT_NEAR(a.left.latitude, b.left.latitude, 2e-6);
+  EXPECT_NEAR(a.left.longitude, b.left.longitude, 2e-6);
+  EXPECT_GT(a.left.latitude, 47.45);
+  EXPECT_LT(a.left.longitude, a.middle.longitude);
+
+  const PredictedPositions east =
+      tarvo::predictPositions({0.0, 179.99999}, 90.0, 100.0);
+  EXPECT_GT(east.middle.longitude, 180.0);
+  EXPECT_GT(east.midMiddle.longitude, 180.0);
+}
+
+TEST(PointInPolygon, WorkedExampleCrossesTheNorthernEdge) {
+  EXPECT_TRUE(contains(kSlanted, 10.0012, 20.0045));
+  // Inside in exact arithmetic, but the float-rounded point lies exactly on
+  // the slanted edge V0-V3, which then does not count.
+  EXPECT_FALSE(contains(kSlanted, 10.0009995, 20.0005));
+}
+
+TEST(PointInPolygon, BoundaryAndDegenerateCases) {
+  struct Case {
+    const char* what;
+    const DMPointArray& ring;
+    double lat, lon;
+    bool inside;
+  };
+  static const DMPointArray kEmpty;
+  static const DMPointArray kOne = {{1.0, 1.0}};
+  static const DMPointArray kTwo = {{10.0, 0.0}, {10.0, 2.0}};
+  static const DMPointArray kClosed = {
+      {1.0, 1.0}, {1.0, 2.0}, {2.0, 2.0}, {2.0, 1.0}, {1.0, 1.0}};
+  static const DMPointArray kAcross = {
+      {0.0, 179.0}, {0.0, -179.0}, {1.0, -179.0}, {1.0, 179.0}};
+  const Case cases[] = {
+      {"square centre", kSquare, 1.5, 1.5, true},
+      {"square southern edge", kSquare, 1.0, 1.5, true},
+      {"square northern edge", kSquare, 2.0, 1.5, false},
+      {"square western edge", kSquare, 1.5, 1.0, false},
+      {"square eastern edge", kSquare, 1.5, 2.0, false},
+      {"square outside", kSquare, 0.5, 1.5, false},
+      {"closing vertex repeated: centre", kClosed, 1.5, 1.5, true},
+      {"closing vertex repeated: south edge", kClosed, 1.0, 1.5, true},
+      {"closing vertex repeated: north edge", kClosed, 2.0, 1.5, false},
+      {"diamond, on the meridian of two vertices", kDiamond, 0.5, 1.0, false},
+      {"diamond, just east of it", kDiamond, 0.5, 1.1, true},
+      {"empty ring", kEmpty, 1.5, 1.5, false},
+      {"one vertex, on it", kOne, 1.0, 1.0, false},
+      {"one vertex, below it", kOne, 0.0, 1.0, false},
+      {"two vertices, between them", kTwo, 5.0, 1.0, false},
+      {"two vertices, below the first", kTwo, 5.0, 0.0, true},
+      {"two vertices, below the second", kTwo, 5.0, 2.0, true},
+      {"two vertices, above the first", kTwo, 15.0, 0.0, false},
+      {"ring across 180 is not wrapped", kAcross, 0.5, 179.5, false},
+      {"NaN latitude", kSquare, kNaN, 1.5, false},
+      {"NaN longitude", kSquare, 1.5, kNaN, false},
+  };
+  for (const Case& c : cases)
+    EXPECT_EQ(c.inside, contains(c.ring, c.lat, c.lon)) << c.what;
+  EXPECT_FALSE(tarvo::pointInPolygon(nullptr, 4, 1.5f, 1.5f));
+}
+
+TEST(PointInPolygon, VerticalEdgeWithNaNVertexNeverCounts) {
+  const DMPointArray ring = {{1.0, 1.0}, {kNaN, 2.0}, {2.0, 2.0}, {2.0, 1.0}};
+  // Must neither trap nor flip on the NaN crossing.
+  EXPECT_FALSE(contains(ring, 1.5, 2.0));
+}
+
+}  // namespace
