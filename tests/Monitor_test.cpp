@@ -1,0 +1,148 @@
+// The monitor object: its shared instance, its fresh state, set-up and the
+// intake of fixes.
+#include <TarvoFramework/Directories.h>
+#include <TarvoFramework/MainQueue.h>
+#include <TarvoFramework/Tarvo.h>
+#include <gtest/gtest.h>
+
+#include "support/MonitorDoubles.h"
+
+namespace tarvo {
+namespace {
+
+using testing::RecordingDelegate;
+using testing::ScriptedPlayer;
+
+void expectAt(CLLocationCoordinate2D c, double lat, double lon,
+              const char* what) {
+  EXPECT_EQ(lat, c.latitude) << what;
+  EXPECT_EQ(lon, c.longitude) << what;
+}
+
+TEST(Monitor, SharedInstanceStartsZeroedAndUninitialised) {
+  const std::shared_ptr<Tarvo>& monitor = Tarvo::sharedManager();
+  ASSERT_TRUE(monitor);
+  EXPECT_EQ(monitor.get(), Tarvo::sharedManager().get());
+
+  EXPECT_FALSE(monitor->isProcessing());
+  EXPECT_FALSE(monitor->onRunway());
+  EXPECT_FALSE(monitor->isHazardArea());
+  EXPECT_EQ(0.0, monitor->speed());
+  EXPECT_EQ(0.0, monitor->heading());
+  expectAt(monitor->currentLocation(), 0.0, 0.0, "currentLocation");
+  for (CLLocationCoordinate2D c :
+       {monitor->pLeftCoordinate, monitor->pMiddleCoordinate,
+        monitor->pRightCoordinate, monitor->pmidLeftCoordinate,
+        monitor->pmidMiddleCoordinate, monitor->pmidRightCoordinate}) {
+    expectAt(c, 0.0, 0.0, "predicted");
+  }
+  EXPECT_FALSE(monitor->lastPolygonName());
+  EXPECT_FALSE(monitor->currentPolygonName());
+  EXPECT_FALSE(monitor->currentPolygonGuid());
+  EXPECT_FALSE(monitor->currentaudioPlayer());
+  EXPECT_FALSE(monitor->polygons());
+  EXPECT_FALSE(monitor->locationManager());
+  EXPECT_FALSE(monitor->delegate());
+}
+
+TEST(Monitor, InitializesMakesThePlayerFromTheResourceDirectory) {
+  setResourceDirectory("/opt/sounds");
+  std::string askedFor;
+  auto player = std::make_shared<ScriptedPlayer>();
+  setSoundPlayerFactory([&](const std::string& path) {
+    askedFor = path;
+    return player;
+  });
+  Tarvo::sharedManager()->initializes();
+  EXPECT_EQ("/opt/sounds/localcaution.mp3", askedFor);
+  EXPECT_EQ(player, Tarvo::sharedManager()->currentaudioPlayer());
+  EXPECT_EQ(0, player->loops);
+}
+
+TEST(Monitor, SoundFileThatCannotBeLoadedLeavesNoPlayerButStillWarns) {
+  setSoundPlayerFactory([](const std::string&) -> std::shared_ptr<SoundPlayer> {
+    throw std::runtime_error("undecodable");  // treated as no player
+  });
+  const std::shared_ptr<Tarvo>& monitor = Tarvo::sharedManager();
+  monitor->initializes();
+  EXPECT_FALSE(monitor->currentaudioPlayer());
+
+  auto delegate = std::make_shared<RecordingDelegate>();
+  monitor->setDelegate(delegate);
+  monitor->setPolygons(std::make_shared<DMPolygonArray>(DMPolygonArray{
+      testing::area("RWY 10", "r10", testing::box(1, 1, 2, 2))}));
+  monitor->checkPointinPolygonLatitude(1.5, 1.5, 0.0, 0.0);
+  ASSERT_EQ(1u, delegate->notices.size());
+  EXPECT_EQ(testing::occurred("RWY 10", "r10", true), delegate->notices[0]);
+  EXPECT_EQ(1u, mainQueue().runPending());  // the play task finds no player
+}
+
+TEST(Monitor, IntakeRecordsTheFixAndClearsProcessing) {
+  const std::shared_ptr<Tarvo>& monitor = Tarvo::sharedManager();
+  monitor->setIsProcessing(true);
+  monitor->checkPointinPolygonLatitude(10.5, -20.25, 20.0, 270.0);
+  expectAt(monitor->currentLocation(), 10.5, -20.25, "currentLocation");
+  EXPECT_EQ(20.0, monitor->speed());
+  EXPECT_EQ(270.0, monitor->heading());
+  EXPECT_FALSE(monitor->isProcessing());
+
+  // A negative speed is stored as given; only the projection treats it as 0.
+  monitor->checkPointinPolygonLatitude(12.9716, 77.5946, -5.0, 90.0);
+  EXPECT_EQ(-5.0, monitor->speed());
+  expectAt(monitor->pMiddleCoordinate, 12.971599578857422, 77.59459686279297,
+           "stands still");
+}
+
+TEST(Monitor, IntakeHandsHeadingBeforeSpeedToTheProjection) {
+  // Speed 10 on heading 90: swapping the two would project 90 km/h on
+  // heading 10 and move every point north.
+  const std::shared_ptr<Tarvo>& monitor = Tarvo::sharedManager();
+  monitor->checkPointinPolygonLatitude(12.9716, 77.5946, 10.0, 90.0);
+  expectAt(monitor->pLeftCoordinate, 12.971616744995117, 77.59469604492188,
+           "left");
+  expectAt(monitor->pMiddleCoordinate, 12.971599578857422, 77.59469604492188,
+           "middle");
+  expectAt(monitor->pRightCoordinate, 12.971582412719727, 77.59469604492188,
+           "right");
+  expectAt(monitor->pmidLeftCoordinate, 12.97160816192627, 77.59464263916016,
+           "midLeft");
+  expectAt(monitor->pmidMiddleCoordinate, 12.971599578857422, 77.59465026855469,
+           "midMiddle");
+  expectAt(monitor->pmidRightCoordinate, 12.971590995788574, 77.59464263916016,
+           "midRight");
+}
+
+TEST(Monitor, FixesBeforeInitializesAreEvaluatedAgainstNothing) {
+  const std::shared_ptr<Tarvo>& monitor = Tarvo::sharedManager();
+  auto delegate = std::make_shared<RecordingDelegate>();
+  monitor->setDelegate(delegate);
+  monitor->checkPointinPolygonLatitude(1.5, 1.5, 30.0, 0.0);
+  monitor->checkPointinPolygonLatitude(1.5, 1.5, 30.0, 0.0);
+  // Every fix is evaluated in full, even a repeated one: two removal notices.
+  // The first names no area at all: no sound was ever started.
+  ASSERT_EQ(2u, delegate->notices.size());
+  EXPECT_EQ(testing::removed(std::nullopt, std::nullopt), delegate->notices[0]);
+  EXPECT_EQ(testing::removed(std::string(), std::nullopt),
+            delegate->notices[1]);
+}
+
+TEST(Monitor, PropertiesShareWhatTheyAreHanded) {
+  Tarvo monitor;
+  auto list = std::make_shared<DMPolygonArray>();
+  monitor.setPolygons(list);
+  list->push_back(testing::area("late", "g", nullptr));
+  EXPECT_EQ(1u, monitor.polygons()->size());
+
+  auto token = std::make_shared<int>(7);
+  monitor.setLocationManager(token);
+  EXPECT_EQ(token, monitor.locationManager());
+
+  auto delegate = std::make_shared<RecordingDelegate>();
+  monitor.setDelegate(delegate);
+  EXPECT_EQ(delegate, monitor.delegate());
+  delegate.reset();
+  EXPECT_FALSE(monitor.delegate());  // held weakly
+}
+
+}  // namespace
+}  // namespace tarvo
