@@ -16,8 +16,9 @@ void BM_Projection(benchmark::State& state) {
     benchmark::DoNotOptimize(p);
     heading += 1.0;
   }
-  state.counters["ns_per_fix"] = benchmark::Counter(
-      1, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+  state.counters["ns_per_fix"] =
+      benchmark::Counter(1, benchmark::Counter::kIsIterationInvariantRate |
+                                benchmark::Counter::kInvert);
 }
 BENCHMARK(BM_Projection);
 
@@ -26,7 +27,8 @@ std::vector<tarvo::DMPoint> ring(int n) {
   std::vector<tarvo::DMPoint> points;
   for (int i = 0; i < n; ++i) {
     const double a = 2.0 * M_PI * i / n;
-    points.emplace_back(44.88 + 0.009 * std::sin(a), -93.22 + 0.0127 * std::cos(a));
+    points.emplace_back(44.88 + 0.009 * std::sin(a),
+                        -93.22 + 0.0127 * std::cos(a));
   }
   return points;
 }
@@ -36,11 +38,13 @@ void BM_PointInPolygon(benchmark::State& state) {
   const std::vector<tarvo::DMPoint> points = ring(n);
   float lat = 44.881f;
   for (auto _ : state) {
-    benchmark::DoNotOptimize(tarvo::pointInPolygon(points.data(), n, lat, -93.219f));
+    benchmark::DoNotOptimize(
+        tarvo::pointInPolygon(points.data(), n, lat, -93.219f));
     lat += 1e-7f;
   }
-  state.counters["ns_per_edge"] = benchmark::Counter(
-      n, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+  state.counters["ns_per_edge"] =
+      benchmark::Counter(n, benchmark::Counter::kIsIterationInvariantRate |
+                                benchmark::Counter::kInvert);
 }
 BENCHMARK(BM_PointInPolygon)->RangeMultiplier(4)->Range(4, 1024);
 

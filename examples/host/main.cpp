@@ -19,8 +19,9 @@ class PrintingDelegate : public tarvo::TarvoDelegate {
     std::printf("  warning: %s (%s)%s\n", name.value_or("?").c_str(),
                 guid.value_or("?").c_str(), onRunway ? ", on it" : ", ahead");
   }
-  void RunwayIncrusionRemovededFromRunway(const tarvo::OptionalString& name,
-                                          const tarvo::OptionalString&) override {
+  void RunwayIncrusionRemovededFromRunway(
+      const tarvo::OptionalString& name,
+      const tarvo::OptionalString&) override {
     std::printf("  clear%s%s\n", name && !name->empty() ? " of " : "",
                 name.value_or("").c_str());
   }
@@ -43,7 +44,8 @@ int main(int argc, char** argv) {
 
   // A 45 m by 3 km runway, east-west; points text is "lon,lat lon,lat ...".
   monitor->addPolygons(
-      "-93.2300,44.880000 -93.1920,44.880000 -93.1920,44.880405 -93.2300,44.880405",
+      "-93.2300,44.880000 -93.1920,44.880000 -93.1920,44.880405 "
+      "-93.2300,44.880405",
       "example-rwy", "RWY 09/27", /*isforceReplace=*/true);
   monitor->getPolygons();
 
