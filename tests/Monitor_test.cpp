@@ -5,6 +5,9 @@
 #include <TarvoFramework/Tarvo.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <iterator>
+
 #include "support/MonitorDoubles.h"
 
 namespace tarvo {
@@ -142,6 +145,35 @@ TEST(Monitor, PropertiesShareWhatTheyAreHanded) {
   EXPECT_EQ(delegate, monitor.delegate());
   delegate.reset();
   EXPECT_FALSE(monitor.delegate());  // held weakly
+}
+
+}  // namespace
+}  // namespace tarvo
+
+namespace tarvo {
+namespace {
+
+TEST(Monitor, NonNumbersInAFixNeverFail) {
+  const double nan = std::nan("");
+  const std::shared_ptr<Tarvo>& monitor = Tarvo::sharedManager();
+  auto delegate = std::make_shared<RecordingDelegate>();
+  monitor->setDelegate(delegate);
+  monitor->setPolygons(std::make_shared<DMPolygonArray>(DMPolygonArray{
+      testing::area("RWY 10", "r10", testing::box(1, 1, 2, 2))}));
+  const double fixes[][4] = {
+      {nan, nan, 10.0, 90.0},   {1.5, 1.5, nan, 90.0},
+      {1.5, 1.5, 10.0, nan},    {1e308, -1e308, 1e308, 1e308},
+      {1.5, 1.5, -INFINITY, 0}, {INFINITY, 1.5, 10.0, 0.0}};
+  for (const auto& f : fixes) {
+    monitor->checkPointinPolygonLatitude(f[0], f[1], f[2], f[3]);
+    EXPECT_FALSE(monitor->isProcessing());
+  }
+  EXPECT_EQ(std::size(fixes), delegate->notices.size());
+  // A NaN speed makes every look-ahead point NaN; only the fix itself counts.
+  EXPECT_TRUE(delegate->notices[1].occurred);
+  monitor->checkPointinPolygonLatitude(1.5, 1.5, nan, 90.0);
+  EXPECT_TRUE(std::isnan(monitor->pMiddleCoordinate.latitude));
+  EXPECT_TRUE(std::isnan(monitor->pmidLeftCoordinate.longitude));
 }
 
 }  // namespace
