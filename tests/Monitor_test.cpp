@@ -101,18 +101,24 @@ TEST(Monitor, IntakeHandsHeadingBeforeSpeedToTheProjection) {
   // heading 10 and move every point north.
   const std::shared_ptr<Tarvo>& monitor = Tarvo::sharedManager();
   monitor->checkPointinPolygonLatitude(12.9716, 77.5946, 10.0, 90.0);
-  expectAt(monitor->pLeftCoordinate, 12.971616744995117, 77.59469604492188,
-           "left");
-  expectAt(monitor->pMiddleCoordinate, 12.971599578857422, 77.59469604492188,
-           "middle");
-  expectAt(monitor->pRightCoordinate, 12.971582412719727, 77.59469604492188,
-           "right");
-  expectAt(monitor->pmidLeftCoordinate, 12.97160816192627, 77.59464263916016,
-           "midLeft");
-  expectAt(monitor->pmidMiddleCoordinate, 12.971599578857422, 77.59465026855469,
-           "midMiddle");
-  expectAt(monitor->pmidRightCoordinate, 12.971590995788574, 77.59464263916016,
-           "midRight");
+  const struct {
+    CLLocationCoordinate2D got;
+    double lat, lon;
+    const char* what;
+  } members[] = {
+      {monitor->pLeftCoordinate, 12.971616744995117, 77.59469604492188, "left"},
+      {monitor->pMiddleCoordinate, 12.971599578857422, 77.59469604492188,
+       "middle"},
+      {monitor->pRightCoordinate, 12.971582412719727, 77.59469604492188,
+       "right"},
+      {monitor->pmidLeftCoordinate, 12.97160816192627, 77.59464263916016,
+       "midLeft"},
+      {monitor->pmidMiddleCoordinate, 12.971599578857422, 77.59465026855469,
+       "midMiddle"},
+      {monitor->pmidRightCoordinate, 12.971590995788574, 77.59464263916016,
+       "midRight"},
+  };
+  for (const auto& m : members) expectAt(m.got, m.lat, m.lon, m.what);
 }
 
 TEST(Monitor, FixesBeforeInitializesAreEvaluatedAgainstNothing) {
