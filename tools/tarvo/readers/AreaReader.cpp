@@ -109,13 +109,14 @@ void checkAreas(const std::string& path,
   for (const SourcedArea& area : areas) {
     const AreaRecord& r = area.record;
     const Place place{path, r.sourceLine, area.label};
-    if (r.guid.empty()) place.fail("guid", "empty GUID");
-    if (r.guid.find('"') != std::string::npos) {
-      place.fail("guid", "GUID '" + r.guid + "'" + kQuoteMessage);
-    }
+    // The name first: a generated GUID contains it.
     if (r.name.empty()) place.fail("name", "empty name");
     if (r.name.find('"') != std::string::npos) {
       place.fail("name", "name '" + r.name + "'" + kQuoteMessage);
+    }
+    if (r.guid.empty()) place.fail("guid", "empty GUID");
+    if (r.guid.find('"') != std::string::npos) {
+      place.fail("guid", "GUID '" + r.guid + "'" + kQuoteMessage);
     }
     const std::string here = area.label.empty()
                                  ? "line " + std::to_string(r.sourceLine)
