@@ -24,7 +24,8 @@ std::string geoJson(const std::string& features) {
 std::string kml(const std::string& placemarks) {
   return R"(<?xml version="1.0" encoding="UTF-8"?>
 <kml xmlns="http://www.opengis.net/kml/2.2"><Document>
-)" + placemarks + "\n</Document></kml>\n";
+)" + placemarks +
+         "\n</Document></kml>\n";
 }
 
 std::string kmlPolygon(const std::string& coordinates) {
@@ -44,17 +45,20 @@ TEST(AreaReader, ReadsEachFormat) {
   byRef.nameProperty = "ref";
   byRef.idProperty = "key";
   const Case kCases[] = {
-      {"TSV, points kept as written", "a.tsv",
+      {"TSV, points kept as written",
+       "a.tsv",
        std::string(kTsvHeader) + "G1\tRWY 1/19\thazard\t" + kSquare +
            "\n\nG2\tHOLD SHORT 1\thold_short\t1.50,2.0 1.6,2 1.6,2.1\n",
        {},
        {{"G1", "RWY 1/19", kSquare, "hazard", 2},
         {"G2", "HOLD SHORT 1", "1.50,2.0 1.6,2 1.6,2.1", "hold_short", 4}}},
-      {"TSV without a kind column, columns in another order", "a.txt",
+      {"TSV without a kind column, columns in another order",
+       "a.txt",
        std::string("points\tname\tguid\n") + kSquare + "\tA\tG\n",
        {},
        {{"G", "A", kSquare, "", 2}}},
-      {"GeoJSON polygon: closing vertex dropped, number text kept", "a.json",
+      {"GeoJSON polygon: closing vertex dropped, number text kept",
+       "a.json",
        geoJson(R"({"type":"Feature","id":"F1","properties":{"name":"RWY",
           "kind":"hazard"},"geometry":{"type":"Polygon","coordinates":
           [[[8.536309,47.4756951],[8,47.1],[8.5,-0.00001],[8.536309,47.4756951]],
@@ -62,22 +66,24 @@ TEST(AreaReader, ReadsEachFormat) {
           {"type":"Feature","properties":{"name":"line"},"geometry":
           {"type":"LineString","coordinates":[[1,2],[3,4]]}})"),
        {},
-       {{"F1", "RWY", "8.536309,47.4756951 8,47.1 8.5,-0.00001", "hazard",
-         0}}},
-      {"GeoJSON MultiPolygon and chosen properties", "a.geojson",
+       {{"F1", "RWY", "8.536309,47.4756951 8,47.1 8.5,-0.00001", "hazard", 0}}},
+      {"GeoJSON MultiPolygon and chosen properties",
+       "a.geojson",
        geoJson(R"({"type":"Feature","id":"ignored","properties":{"ref":"16/34",
           "key":7,"kind":"runway"},"geometry":{"type":"MultiPolygon",
           "coordinates":[[[[1,1],[2,1],[2,2]]],[[[5,5],[6,5],[6,6],[5,5]]]]}})"),
        byRef,
        {{"7-1", "16/34", "1,1 2,1 2,2", "", 0},
         {"7-2", "16/34", "5,5 6,5 6,6", "", 0}}},
-      {"KML: id attribute, altitude dropped, blanks normalised", "a.kml",
+      {"KML: id attribute, altitude dropped, blanks normalised",
+       "a.kml",
        kml("<Placemark id=\"P1\"><name> RWY 10/28 </name>" +
            kmlPolygon("\n 8.5,47.4,0\t8.6,47.4,0 \n 8.6,47.5,0 8.5,47.4,0\n") +
            "</Placemark>"),
        {},
        {{"P1", "RWY 10/28", "8.5,47.4 8.6,47.4 8.6,47.5", "", 3}}},
-      {"KML: GUID from ExtendedData, or generated; MultiGeometry", "a.kml",
+      {"KML: GUID from ExtendedData, or generated; MultiGeometry",
+       "a.kml",
        kml("<Placemark><name>Pin</name><Point><coordinates>1,2</coordinates>"
            "</Point></Placemark>\n<Placemark><name>A</name><ExtendedData>"
            "<Data name=\"guid\"><value>X-1</value></Data><Data name=\"kind\">"
@@ -152,18 +158,18 @@ TEST(AreaReader, RefusesBadAreasNamingFileLineAndField) {
                feature("\"B \\\"x\\\"\"", "\"F2\"")),
        0, "name", "feature #2"},
       {"GeoJSON feature with a null name", "n.geojson",
-       geoJson(feature("null", "\"F1\"")),
-       0, "name", "no property 'name'"},
+       geoJson(feature("null", "\"F1\"")), 0, "name", "no property 'name'"},
       {"GeoJSON feature without GUID", "n.geojson",
        geoJson(feature("\"A\"", "null")), 0, "guid", "feature #1"},
       {"GeoJSON coordinate not a number", "c.geojson",
-       geoJson(feature("\"A\"", "1").replace(
-           feature("\"A\"", "1").find("[2,2]"), 5, "[2,\"2\"]")),
+       geoJson(
+           feature("\"A\"", "1")
+               .replace(feature("\"A\"", "1").find("[2,2]"), 5, "[2,\"2\"]")),
        0, "coordinates", "position 3"},
       {"GeoJSON syntax error on line 3", "s.geojson", "{\n\"type\":\n,\n}", 3,
        "", "syntax error"},
-      {"KML syntax error on line 3", "s.kml", "<kml>\n<Placemark>\n</kml>\n",
-       3, "", "XML"},
+      {"KML syntax error on line 3", "s.kml", "<kml>\n<Placemark>\n</kml>\n", 3,
+       "", "XML"},
       {"quote in a KML name", "q.kml",
        kml("<Placemark><name>A \"B\"</name>" + kmlPolygon("1,1 2,1 2,2") +
            "</Placemark>"),

@@ -85,7 +85,8 @@ TEST(NmeaReader, MatchesGpsdDecodingOfRealLogs) {
                      fix.sourceLine) > 0;
       bool found = false;
       for (const Reference& r : reference) found |= samePlaceAndTime(fix, r);
-      EXPECT_NE(found, unreported) << "line " << fix.sourceLine << " " << fix.timeText;
+      EXPECT_NE(found, unreported)
+          << "line " << fix.sourceLine << " " << fix.timeText;
     }
     // Every report of gpsd's that carries a course (so comes from an RMC or
     // VTG, not a GGA whose speed gpsd derived itself) matches one of ours.
@@ -98,8 +99,7 @@ TEST(NmeaReader, MatchesGpsdDecodingOfRealLogs) {
       }
       ASSERT_NE(match, nullptr) << "no fix at " << r.secondsOfDay;
       EXPECT_NEAR(match->headingDeg, *r.trackDeg, 5e-5);
-      EXPECT_NEAR(match->speedKmh * kMetersPerSecondPerKmh, *r.speedMps,
-                  6e-4);
+      EXPECT_NEAR(match->speedKmh * kMetersPerSecondPerKmh, *r.speedMps, 6e-4);
       ++compared;
     }
     EXPECT_GE(compared, c.minimumCompared);
@@ -133,29 +133,66 @@ TEST(NmeaReader, DecodesSentences) {
     std::vector<std::string> skipReasons;
   };
   const Case kCases[] = {
-      {"plain RMC", {"# comment", kRmc}, 1, 48.1173, 11.516666666666667,
-       22.4 * 1.852, 84.4, {}},
+      {"plain RMC",
+       {"# comment", kRmc},
+       1,
+       48.1173,
+       11.516666666666667,
+       22.4 * 1.852,
+       84.4,
+       {}},
       {"south and west, GN talker, NMEA 4.1 status field",
-       {sentence("GNRMC,000000,A,2712.6520,S,15303.1397,W,0.00,10.5,010100,,,A,V")},
-       1, -27.210866666666668, -153.05232833333334, 0.0, 10.5, {}},
-      {"status V", {sentence("GPRMC,,V,,,,,,,,,,N")}, 0, 0, 0, 0, 0,
+       {sentence(
+           "GNRMC,000000,A,2712.6520,S,15303.1397,W,0.00,10.5,010100,,,A,V")},
+       1,
+       -27.210866666666668,
+       -153.05232833333334,
+       0.0,
+       10.5,
+       {}},
+      {"status V",
+       {sentence("GPRMC,,V,,,,,,,,,,N")},
+       0,
+       0,
+       0,
+       0,
+       0,
        {"RMC status V (no fix)"}},
       {"empty course taken from the VTG of the same epoch",
        {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,1.0,,230394,,"),
         sentence("GPVTG,77.5,T,,M,1.0,N,1.9,K")},
-       1, 48.1173, 11.516666666666667, 1.852, 77.5, {}},
+       1,
+       48.1173,
+       11.516666666666667,
+       1.852,
+       77.5,
+       {}},
       {"a VTG after the next epoch's GGA does not fill the RMC",
        {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,1.0,,230394,,"),
         sentence("GPGGA,123520,4807.038,N,01131.000,E,1,04,2.7,37.0,M,,M,,"),
         sentence("GPVTG,77.5,T,,M,1.0,N,1.9,K")},
-       0, 0, 0, 0, 0,
+       0,
+       0,
+       0,
+       0,
+       0,
        {"RMC without course over ground (none in its epoch's VTG/GGA either)"}},
       {"proprietary and other sentences are ignored",
-       {sentence("PGRME,15.0,M,45.0,M,25.0,M"), sentence("INDPT,2.2,0.0"), kRmc},
-       1, 48.1173, 11.516666666666667, 22.4 * 1.852, 84.4, {}},
+       {sentence("PGRME,15.0,M,45.0,M,25.0,M"), sentence("INDPT,2.2,0.0"),
+        kRmc},
+       1,
+       48.1173,
+       11.516666666666667,
+       22.4 * 1.852,
+       84.4,
+       {}},
       {"a capture that starts mid-sentence and stops mid-sentence",
        {"01131.000,E,022.4,084.4,230394,,*6A", kRmc, "$GPRMC,123520,A,48"},
-       1, 48.1173, 11.516666666666667, 22.4 * 1.852, 84.4,
+       1,
+       48.1173,
+       11.516666666666667,
+       22.4 * 1.852,
+       84.4,
        {"fragment before the first complete sentence",
         "last sentence cut short"}},
   };
@@ -198,22 +235,32 @@ TEST(NmeaReader, RefusesCorruptSentences) {
       {"missing checksum inside the log",
        {kRmc, "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,,",
         kRmc},
-       2, "checksum"},
-      {"text that is no sentence after the first one", {kRmc, "hello", kRmc},
-       2, "sentence"},
+       2,
+       "checksum"},
+      {"text that is no sentence after the first one",
+       {kRmc, "hello", kRmc},
+       2,
+       "sentence"},
       {"latitude not ddmm.mmmm",
        {sentence("GPRMC,123519,A,48x7.038,N,01131.000,E,022.4,084.4,230394,,")},
-       1, "latitude"},
+       1,
+       "latitude"},
       {"hemisphere letter",
        {sentence("GPRMC,123519,A,4807.038,E,01131.000,E,022.4,084.4,230394,,")},
-       1, "latitude"},
+       1,
+       "latitude"},
       {"speed not a number",
        {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,fast,084.4,230394,,")},
-       1, "speed"},
-      {"date", {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,1,2,320394,,")},
-       1, "date"},
-      {"time", {sentence("GPRMC,12:35,A,4807.038,N,01131.000,E,1,2,230394,,")},
-       1, "time"},
+       1,
+       "speed"},
+      {"date",
+       {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,1,2,320394,,")},
+       1,
+       "date"},
+      {"time",
+       {sentence("GPRMC,12:35,A,4807.038,N,01131.000,E,1,2,230394,,")},
+       1,
+       "time"},
   };
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.what);
@@ -225,9 +272,10 @@ TEST(NmeaReader, RefusesCorruptSentences) {
       EXPECT_EQ(failure.error().file, path);
       EXPECT_EQ(failure.error().line, c.line);
       EXPECT_EQ(failure.error().field, c.field);
-      EXPECT_EQ(std::string(failure.what()).rfind(
-                    path + ":" + std::to_string(c.line) + ": " + c.field, 0),
-                0u)
+      EXPECT_EQ(
+          std::string(failure.what())
+              .rfind(path + ":" + std::to_string(c.line) + ": " + c.field, 0),
+          0u)
           << failure.what();
     }
   }
