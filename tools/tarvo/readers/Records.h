@@ -4,6 +4,7 @@
 #define TARVO_TOOLS_READERS_RECORDS_H_
 
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,8 @@ namespace tarvo::cli {
 
 // A malformed input: which file, which line (1-based; 0 when the format has
 // no lines, such as a whole-document parse error), which field, and what
-// was wrong. what() reads "FILE:LINE: FIELD: MESSAGE".
+// was wrong. what() reads "FILE:LINE: FIELD: MESSAGE"; the ":LINE" part is
+// left out when line is 0 and the "FIELD: " part when field is empty.
 struct InputError {
   std::string file;
   int line = 0;
@@ -19,6 +21,18 @@ struct InputError {
   std::string message;
 
   std::string what() const;
+};
+
+// Thrown by every reader on malformed input; what() is error().what().
+// Readers never throw anything else for bad file content (a file that cannot
+// be opened is reported the same way, with line 0).
+class InputFailure : public std::runtime_error {
+ public:
+  explicit InputFailure(InputError error);
+  const InputError& error() const;
+
+ private:
+  InputError error_;
 };
 
 // One area to register: the host's identifier, its name and its vertices as

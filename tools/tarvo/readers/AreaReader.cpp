@@ -1,0 +1,193 @@
+#include "readers/AreaReader.h"
+
+#include <stdexcept>
+#include <unordered_map>
+
+#include "readers/AreaFormats.h"
+#include "readers/ReaderText.h"
+
+namespace tarvo::cli {
+namespace detail {
+
+void Place::fail(const std::string& field, const std::string& message) const {
+  throw InputFailure(
+      {file, line, field, label.empty() ? message : label + ": " + message});
+}
+
+namespace {
+
+// Parses one vertex piece and checks its range; the field names the vertex
+// so that a long points text can be fixed by hand.
+void checkCoordinate(const std::string& piece, double limit, const char* what,
+                     int vertex, const Place& place) {
+  const std::string where =
+      "vertex " + std::to_string(vertex) + " " + what + " '" + piece + "'";
+  auto value = text::parseNumber(piece);
+  if (!value) place.fail("points", where + " is not a decimal number");
+  if (*value < -limit || *value > limit) {
+    place.fail("points", where + " is outside [-" +
+                             text::formatShortest(limit) + ", " +
+                             text::formatShortest(limit) + "]");
+  }
+}
+
+void checkVertex(const VertexText& vertex, int index, const Place& place) {
+  checkCoordinate(vertex.longitude, 180.0, "longitude", index, place);
+  checkCoordinate(vertex.latitude, 90.0, "latitude", index, place);
+}
+
+}  // namespace
+
+std::string pointsFromVertices(std::vector<VertexText> vertices,
+                               const Place& place) {
+  for (std::size_t i = 0; i < vertices.size(); ++i) {
+    checkVertex(vertices[i], static_cast<int>(i) + 1, place);
+  }
+  // Rings in both formats close on their first vertex; the registry wants
+  // each vertex once. Compared as numbers: "8.5" and "8.50" are one vertex.
+  if (vertices.size() > 1) {
+    const VertexText& first = vertices.front();
+    const VertexText& last = vertices.back();
+    if (*text::parseNumber(first.longitude) ==
+            *text::parseNumber(last.longitude) &&
+        *text::parseNumber(first.latitude) ==
+            *text::parseNumber(last.latitude)) {
+      vertices.pop_back();
+    }
+  }
+  std::string points;
+  for (const VertexText& vertex : vertices) {
+    if (!points.empty()) points += ' ';
+    points += vertex.longitude + "," + vertex.latitude;
+  }
+  return points;
+}
+
+int checkPointsText(const std::string& points, const Place& place) {
+  int count = 0;
+  std::size_t start = 0;
+  while (start <= points.size()) {
+    std::size_t end = points.find(' ', start);
+    if (end == std::string::npos) end = points.size();
+    const std::string element = points.substr(start, end - start);
+    ++count;
+    const std::size_t comma = element.find(',');
+    if (comma == std::string::npos) {
+      place.fail("points", "vertex " + std::to_string(count) + " '" + element +
+                               "' is not 'longitude,latitude' (vertices are "
+                               "separated by single blanks)");
+    }
+    const std::size_t second = element.find(',', comma + 1);
+    checkVertex({element.substr(0, comma),
+                 element.substr(comma + 1, second == std::string::npos
+                                               ? std::string::npos
+                                               : second - comma - 1)},
+                count, place);
+    start = end + 1;
+  }
+  return count;
+}
+
+namespace {
+
+const char kQuoteMessage[] =
+    " contains a double quote (\"), which the store cannot hold: it writes "
+    "every text between double quotes";
+
+int vertexCount(const std::string& points) {
+  if (points.empty()) return 0;
+  int count = 1;
+  for (char c : points) count += c == ' ' ? 1 : 0;
+  return count;
+}
+
+}  // namespace
+
+void checkAreas(const std::string& path,
+                const std::vector<SourcedArea>& areas) {
+  std::unordered_map<std::string, std::string> seen;  // GUID -> where
+  for (const SourcedArea& area : areas) {
+    const AreaRecord& r = area.record;
+    const Place place{path, r.sourceLine, area.label};
+    if (r.guid.empty()) place.fail("guid", "empty GUID");
+    if (r.guid.find('"') != std::string::npos) {
+      place.fail("guid", "GUID '" + r.guid + "'" + kQuoteMessage);
+    }
+    if (r.name.empty()) place.fail("name", "empty name");
+    if (r.name.find('"') != std::string::npos) {
+      place.fail("name", "name '" + r.name + "'" + kQuoteMessage);
+    }
+    const std::string here = area.label.empty()
+                                 ? "line " + std::to_string(r.sourceLine)
+                                 : area.label;
+    auto [it, added] = seen.emplace(r.guid, here);
+    if (!added) {
+      place.fail("guid", "duplicate GUID '" + r.guid + "' (first used at " +
+                             it->second + ")");
+    }
+    const int vertices = vertexCount(r.points);
+    if (vertices < 3) {
+      place.fail("points", std::to_string(vertices) +
+                               " vertices; an area needs at least 3");
+    }
+  }
+}
+
+std::string knownKind(const std::string& kind) {
+  return kind == "hazard" || kind == "hold_short" ? kind : std::string();
+}
+
+}  // namespace detail
+
+namespace {
+
+AreaFormat formatFromExtension(const std::string& path) {
+  const std::string ext = text::lowerExtension(path);
+  if (ext == ".tsv" || ext == ".txt") return AreaFormat::Tsv;
+  if (ext == ".geojson" || ext == ".json") return AreaFormat::GeoJson;
+  if (ext == ".kml") return AreaFormat::Kml;
+  throw InputFailure({path, 0, "",
+                      "cannot tell the area format from the extension '" + ext +
+                          "' (use .tsv, .txt, .geojson, .json or .kml, "
+                          "or name the format)"});
+}
+
+}  // namespace
+
+std::vector<AreaRecord> readAreas(const std::string& path,
+                                  const AreaReadOptions& options) {
+  const AreaFormat format = options.format == AreaFormat::Auto
+                                ? formatFromExtension(path)
+                                : options.format;
+  const std::string content = text::readWholeFile(path);
+  std::vector<detail::SourcedArea> areas;
+  switch (format) {
+    case AreaFormat::GeoJson:
+      areas = detail::parseGeoJsonAreas(path, content, options);
+      break;
+    case AreaFormat::Kml:
+      areas = detail::parseKmlAreas(path, content);
+      break;
+    default:
+      areas = detail::parseTsvAreas(path, content);
+      break;
+  }
+  detail::checkAreas(path, areas);
+  std::vector<AreaRecord> records;
+  records.reserve(areas.size());
+  for (detail::SourcedArea& area : areas) {
+    records.push_back(std::move(area.record));
+  }
+  return records;
+}
+
+AreaFormat parseAreaFormat(const std::string& name) {
+  if (name == "auto") return AreaFormat::Auto;
+  if (name == "tsv") return AreaFormat::Tsv;
+  if (name == "geojson") return AreaFormat::GeoJson;
+  if (name == "kml") return AreaFormat::Kml;
+  throw std::invalid_argument("unknown area format '" + name +
+                              "' (use auto, tsv, geojson or kml)");
+}
+
+}  // namespace tarvo::cli

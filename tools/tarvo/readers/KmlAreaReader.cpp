@@ -1,0 +1,139 @@
+// KML areas: Placemarks with a Polygon (also inside a MultiGeometry).
+#include <pugixml.hpp>
+#include <string>
+#include <vector>
+
+#include "readers/AreaFormats.h"
+#include "readers/ReaderText.h"
+
+namespace tarvo::cli::detail {
+namespace {
+
+// Element name without a namespace prefix ("kml:Placemark" -> "Placemark").
+std::string localName(const pugi::xml_node& node) {
+  std::string name = node.name();
+  const std::size_t colon = name.find(':');
+  return colon == std::string::npos ? name : name.substr(colon + 1);
+}
+
+pugi::xml_node child(const pugi::xml_node& node, const std::string& name) {
+  for (pugi::xml_node c : node.children()) {
+    if (c.type() == pugi::node_element && localName(c) == name) return c;
+  }
+  return {};
+}
+
+void collect(const pugi::xml_node& node, const std::string& name,
+             std::vector<pugi::xml_node>& found) {
+  for (pugi::xml_node c : node.children()) {
+    if (c.type() != pugi::node_element) continue;
+    if (localName(c) == name) {
+      found.push_back(c);
+    } else {
+      collect(c, name, found);
+    }
+  }
+}
+
+// An ExtendedData value: <Data name="key"><value>..</value></Data> or
+// <SimpleData name="key">..</SimpleData>.
+std::optional<std::string> extendedValue(const pugi::xml_node& placemark,
+                                         const std::string& key) {
+  std::vector<pugi::xml_node> data;
+  collect(child(placemark, "ExtendedData"), "Data", data);
+  collect(child(placemark, "ExtendedData"), "SimpleData", data);
+  for (const pugi::xml_node& d : data) {
+    if (d.attribute("name").value() != key) continue;
+    const pugi::xml_node value = localName(d) == "Data" ? child(d, "value") : d;
+    return std::string(text::trim(value.child_value()));
+  }
+  return std::nullopt;
+}
+
+std::vector<VertexText> tuples(const std::string& coordinates,
+                               const Place& place) {
+  std::vector<VertexText> vertices;
+  std::size_t pos = 0;
+  const char* blanks = " \t\r\n";
+  while ((pos = coordinates.find_first_not_of(blanks, pos)) !=
+         std::string::npos) {
+    std::size_t end = coordinates.find_first_of(blanks, pos);
+    const std::string tuple = coordinates.substr(pos, end - pos);
+    const std::size_t comma = tuple.find(',');
+    if (comma == std::string::npos) {
+      place.fail("coordinates", "tuple " + std::to_string(vertices.size() + 1) +
+                                    " '" + tuple + "' is not lon,lat[,alt]");
+    }
+    const std::size_t second = tuple.find(',', comma + 1);
+    vertices.push_back({tuple.substr(0, comma),
+                        tuple.substr(comma + 1, second == std::string::npos
+                                                    ? std::string::npos
+                                                    : second - comma - 1)});
+    pos = end;
+  }
+  return vertices;
+}
+
+int lineOf(const std::string& content, const pugi::xml_node& node) {
+  const std::ptrdiff_t offset = node.offset_debug();
+  return offset < 0
+             ? 0
+             : text::lineAtOffset(content, static_cast<std::size_t>(offset));
+}
+
+void addPlacemark(const pugi::xml_node& placemark, int index,
+                  const std::string& path, const std::string& content,
+                  std::vector<SourcedArea>& areas) {
+  std::vector<pugi::xml_node> polygons;
+  collect(placemark, "Polygon", polygons);
+  if (polygons.empty()) return;
+  const std::string name(text::trim(child(placemark, "name").child_value()));
+  std::string guid = placemark.attribute("id").value();
+  if (guid.empty()) guid = extendedValue(placemark, "guid").value_or("");
+  if (guid.empty()) guid = extendedValue(placemark, "id").value_or("");
+  if (guid.empty()) guid = name + "#" + std::to_string(index);
+  const std::string kind =
+      knownKind(extendedValue(placemark, "kind").value_or(""));
+  const int line = lineOf(content, placemark);
+  for (std::size_t i = 0; i < polygons.size(); ++i) {
+    const pugi::xml_node coordinates =
+        child(child(child(polygons[i], "outerBoundaryIs"), "LinearRing"),
+              "coordinates");
+    const Place place{
+        path, lineOf(content, coordinates ? coordinates : polygons[i]), ""};
+    if (!coordinates) {
+      place.fail("coordinates",
+                 "Polygon without outerBoundaryIs/LinearRing/coordinates");
+    }
+    std::string points =
+        pointsFromVertices(tuples(coordinates.child_value(), place), place);
+    std::string areaGuid =
+        polygons.size() > 1 ? guid + "-" + std::to_string(i + 1) : guid;
+    areas.push_back(
+        {{std::move(areaGuid), name, std::move(points), kind, line}, ""});
+  }
+}
+
+}  // namespace
+
+std::vector<SourcedArea> parseKmlAreas(const std::string& path,
+                                       const std::string& content) {
+  pugi::xml_document document;
+  const pugi::xml_parse_result result =
+      document.load_buffer(content.data(), content.size());
+  if (!result) {
+    throw InputFailure(
+        {path,
+         text::lineAtOffset(content, static_cast<std::size_t>(result.offset)),
+         "", std::string("XML: ") + result.description()});
+  }
+  std::vector<pugi::xml_node> placemarks;
+  collect(document, "Placemark", placemarks);
+  std::vector<SourcedArea> areas;
+  for (std::size_t i = 0; i < placemarks.size(); ++i) {
+    addPlacemark(placemarks[i], static_cast<int>(i) + 1, path, content, areas);
+  }
+  return areas;
+}
+
+}  // namespace tarvo::cli::detail

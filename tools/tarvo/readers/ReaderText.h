@@ -1,0 +1,54 @@
+// Text helpers shared by the readers: whole-file reading, number parsing
+// and formatting, line splitting and UTC times. Private to the readers.
+// All functions are pure and thread-safe except readWholeFile, which reads
+// the file system.
+#ifndef TARVO_TOOLS_READERS_READERTEXT_H_
+#define TARVO_TOOLS_READERS_READERTEXT_H_
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarvo::cli::text {
+
+// The file's bytes. Throws InputFailure (line 0) when it cannot be read.
+std::string readWholeFile(const std::string& path);
+
+// The file cut at '\n', each line without its trailing '\r' (logs mix CR LF
+// and LF endings). Line i of the result is line i + 1 of the file.
+std::vector<std::string> splitLines(const std::string& text);
+
+// 1-based line of a byte offset into text (offsets past the end give the
+// last line).
+int lineAtOffset(const std::string& text, std::size_t offset);
+
+std::string_view trim(std::string_view text);
+
+// A finite decimal number that fills the whole of text (an optional leading
+// '+' or '-', digits, '.', exponent). Empty, partial, "nan" and "inf" give
+// nullopt.
+std::optional<double> parseNumber(std::string_view text);
+
+// The shortest fixed-point text that reads back as the same double
+// ("8.536309", "47", "-0.00001"); never uses an exponent.
+std::string formatShortest(double value);
+
+// Seconds since 1970-01-01T00:00:00Z of "YYYY-MM-DDTHH:MM:SS[.fff][Z|±HH:MM]"
+// (a blank may replace the 'T'; no zone means UTC). nullopt when malformed.
+std::optional<double> parseIsoTime(std::string_view text);
+
+// "YYYY-MM-DDTHH:MM:SS.sssZ" for seconds since the epoch (milliseconds
+// rounded to nearest).
+std::string formatIsoTime(double epochSeconds);
+
+// Days from 1970-01-01 to the given proleptic Gregorian date.
+long long daysFromCivil(long long year, unsigned month, unsigned day);
+
+// Lower-case extension with its dot (".tsv"), or "" when there is none.
+std::string lowerExtension(const std::string& path);
+
+}  // namespace tarvo::cli::text
+
+#endif  // TARVO_TOOLS_READERS_READERTEXT_H_

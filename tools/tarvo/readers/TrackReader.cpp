@@ -1,0 +1,59 @@
+#include "readers/TrackReader.h"
+
+#include <stdexcept>
+
+#include "readers/ReaderText.h"
+#include "readers/TrackFormats.h"
+
+namespace tarvo::cli {
+namespace {
+
+TrackFormat formatFromExtension(const std::string& path) {
+  const std::string ext = text::lowerExtension(path);
+  if (ext == ".csv") return TrackFormat::Csv;
+  if (ext == ".nmea" || ext == ".log" || ext == ".txt") {
+    return TrackFormat::Nmea;
+  }
+  if (ext == ".gpx") return TrackFormat::Gpx;
+  throw InputFailure({path, 0, "",
+                      "cannot tell the track format from the extension '" +
+                          ext +
+                          "' (use .csv, .nmea, .log, .txt or .gpx, "
+                          "or name the format)"});
+}
+
+}  // namespace
+
+Track readTrack(const std::string& path, const TrackReadOptions& options) {
+  const TrackFormat format = options.format == TrackFormat::Auto
+                                 ? formatFromExtension(path)
+                                 : options.format;
+  const std::string content = text::readWholeFile(path);
+  switch (format) {
+    case TrackFormat::Nmea:
+      return detail::parseNmeaTrack(path, content);
+    case TrackFormat::Gpx:
+      return detail::parseGpxTrack(path, content);
+    default:
+      return detail::parseCsvTrack(path, content, options);
+  }
+}
+
+TrackFormat parseTrackFormat(const std::string& name) {
+  if (name == "auto") return TrackFormat::Auto;
+  if (name == "csv") return TrackFormat::Csv;
+  if (name == "nmea") return TrackFormat::Nmea;
+  if (name == "gpx") return TrackFormat::Gpx;
+  throw std::invalid_argument("unknown track format '" + name +
+                              "' (use auto, csv, nmea or gpx)");
+}
+
+SpeedUnit parseSpeedUnit(const std::string& name) {
+  if (name == "kmh") return SpeedUnit::Kmh;
+  if (name == "kt" || name == "knots") return SpeedUnit::Knots;
+  if (name == "mps") return SpeedUnit::MetersPerSecond;
+  throw std::invalid_argument("unknown speed unit '" + name +
+                              "' (use kmh, kt, knots or mps)");
+}
+
+}  // namespace tarvo::cli

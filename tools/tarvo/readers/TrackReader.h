@@ -1,0 +1,85 @@
+// Reading a recorded track from a file: CSV, NMEA 0183 or GPX. Every reader
+// returns the fixes in file order (latitude, longitude in degrees, speed in
+// km/h, heading in degrees clockwise from true north) and the records it
+// read but could not turn into a fix, each with its reason.
+//
+// Thread-safety: the functions keep no state; concurrent calls on different
+// files are safe. Failure: InputFailure naming file, line and field for any
+// unreadable or malformed input; std::invalid_argument from the parse*
+// functions only. Coordinates are not range-checked beyond being decimal
+// numbers: a track is replayed as recorded.
+#ifndef TARVO_TOOLS_READERS_TRACKREADER_H_
+#define TARVO_TOOLS_READERS_TRACKREADER_H_
+
+#include <string>
+
+#include "readers/Records.h"
+
+namespace tarvo::cli {
+
+// Auto picks the format from the file's extension, case-insensitively:
+// .csv, .nmea/.log/.txt, .gpx. Any other extension is an InputFailure.
+enum class TrackFormat { Auto, Csv, Nmea, Gpx };
+
+enum class SpeedUnit { Kmh, Knots, MetersPerSecond };
+
+struct TrackReadOptions {
+  TrackFormat format = TrackFormat::Auto;
+  // CSV column names; empty means the first header column present among:
+  //   latitude:  latitude, lat
+  //   longitude: longitude, lon
+  //   speed:     ground_speed_kmh, derived_speed_kmh_5s, speed_kmh
+  //   heading:   track_deg_true, derived_track_deg_5s, heading, track
+  //   time:      time_utc, time, timestamp (optional)
+  // A named column that the header lacks is an InputFailure at line 1 whose
+  // field is the column name; so is a default that finds no column (except
+  // time, which may be absent).
+  std::string latitudeColumn, longitudeColumn, speedColumn, headingColumn,
+      timeColumn;
+  // Unit of the CSV speed column, whichever column that is.
+  SpeedUnit speedUnit = SpeedUnit::Kmh;
+  // CSV: keep only rows whose filterColumn equals filterValue exactly (for
+  // example segment = KMSP-2-taxi-out-takeoff). Empty filterColumn keeps
+  // every row; an unknown filterColumn is an InputFailure at line 1.
+  std::string filterColumn, filterValue;
+};
+
+// CSV: comma-separated, a header row, fields optionally in double quotes.
+// A row with an empty latitude, longitude, speed or heading gives a
+// SkippedFix ("missing speed"); a value that is not a decimal number is an
+// InputFailure naming the line and the column. A row with the wrong number
+// of fields is an InputFailure. timeText is the time column as written;
+// timeSeconds comes from a unix_time_s column when the header has one, else
+// from the time column read as ISO 8601 (UTC when it names no zone) or as a
+// plain number of seconds, else it stays empty.
+//
+// NMEA 0183: see NmeaReader.cpp's header comment for the full rules. In
+// short: one fix per RMC sentence with status A (status V gives a
+// SkippedFix "RMC status V (no fix)"); knots x 1.852 = km/h; a missing
+// course or speed is taken from the VTG sentence of the same epoch, a
+// missing position from the GGA sentence with the same time; timeSeconds
+// is epoch seconds from the RMC date and time, timeText its ISO 8601 form.
+// Every sentence's checksum is checked: a mismatch or a missing checksum is
+// an InputFailure (field "checksum"), except for a fragment before the
+// first complete sentence or a last line cut short, which a capture that
+// started or stopped mid-sentence leaves, and which give a SkippedFix.
+//
+// GPX: every trkpt (then rtept, if there are no trkpt) with lat and lon.
+// Speed and course come from the point where present (GPX 1.0 <speed> in
+// m/s and <course>, or elements named speed/course inside <extensions>),
+// otherwise from the point and the one before it: great-circle distance
+// over the time between them, and the initial bearing. The first point of a
+// track segment takes the values derived towards the next point. A point
+// that needs derived values but lacks a usable time, or whose time does not
+// advance, gives a SkippedFix. sourceLine is the trkpt's line.
+Track readTrack(const std::string& path, const TrackReadOptions& options);
+
+// "auto", "csv", "nmea" or "gpx". Throws std::invalid_argument otherwise.
+TrackFormat parseTrackFormat(const std::string& name);
+
+// "kmh", "kt" or "knots", "mps". Throws std::invalid_argument otherwise.
+SpeedUnit parseSpeedUnit(const std::string& name);
+
+}  // namespace tarvo::cli
+
+#endif  // TARVO_TOOLS_READERS_TRACKREADER_H_
