@@ -49,8 +49,7 @@ void applyDataDir(const ParsedArgs& args) {
 }
 
 std::string areaKind(const std::string& name) {
-  return name.find("HOLD SHORT") == std::string::npos ? "hazard"
-                                                      : "hold-short";
+  return name.find("HOLD SHORT") == std::string::npos ? "hazard" : "hold-short";
 }
 
 StoreLog::StoreLog(bool verbose) {
@@ -120,7 +119,8 @@ int runList(const ParsedArgs& args) {
       for (const DMPoint& p : *points) {
         vertices.push_back({p.longitude(), p.latitude()});
       }
-      nlohmann::json line = {{"guid", guid},     {"name", name},
+      nlohmann::json line = {{"guid", guid},
+                             {"name", name},
                              {"kind", areaKind(name)},
                              {"id", polygon->polygonID()},
                              {"points", vertices}};

@@ -39,9 +39,10 @@ void EventPrinter::onFix(const FixRecord& r) {
   } else if (!options_.quiet) {
     if (options_.allNotices) {
       for (const Notice& n : r.notices) {
-        human(r, std::string(n.occupied ? "notice  occupied " : "notice  clear ") +
-                     "\"" + n.name + "\" " + n.guid +
-                     (n.occupied && n.onRunway ? " on runway" : ""));
+        human(r,
+              std::string(n.occupied ? "notice  occupied " : "notice  clear ") +
+                  "\"" + n.name + "\" " + n.guid +
+                  (n.occupied && n.onRunway ? " on runway" : ""));
       }
     }
     if (changed && previous_) human(r, "leaves  " + describe(*previous_));
@@ -65,12 +66,9 @@ void EventPrinter::human(const FixRecord& r, const std::string& text) {
 void EventPrinter::json(const FixRecord& r, const char* event,
                         const Notice* notice, const AreaRef* area,
                         const SoundCall* sound) {
-  nlohmann::json line = {{"event", event},
-                         {"fix", r.index + 1},
-                         {"line", r.fix.sourceLine},
-                         {"time", r.fix.timeText},
-                         {"lat", r.fix.latitude},
-                         {"lon", r.fix.longitude}};
+  nlohmann::json line = {{"event", event},           {"fix", r.index + 1},
+                         {"line", r.fix.sourceLine}, {"time", r.fix.timeText},
+                         {"lat", r.fix.latitude},    {"lon", r.fix.longitude}};
   line["t"] = r.fix.timeSeconds ? nlohmann::json(*r.fix.timeSeconds)
                                 : nlohmann::json(nullptr);
   if (notice) {
@@ -82,7 +80,8 @@ void EventPrinter::json(const FixRecord& r, const char* event,
     line["area"] = area->name;
     line["guid"] = area->guid;
     line["kind"] = area->hazard ? "hazard" : "hold-short";
-    if (r.area && area == &*r.area) line["inside"] = r.state == FixState::Inside;
+    if (r.area && area == &*r.area)
+      line["inside"] = r.state == FixState::Inside;
   }
   if (sound && sound->kind == SoundCall::Kind::Start) {
     line["loops"] = sound->loops;

@@ -26,10 +26,10 @@ ReplaySummary summarize(const std::vector<FixRecord>& records,
   }
   for (std::size_t i = 0; i < records.size(); ++i) {
     const FixRecord& r = records[i];
-    Episode* open = summary.episodes.empty() ||
-                            summary.episodes.back().endIndex != i
-                        ? nullptr
-                        : &summary.episodes.back();
+    Episode* open =
+        summary.episodes.empty() || summary.episodes.back().endIndex != i
+            ? nullptr
+            : &summary.episodes.back();
     // An open episode has endIndex == i until a fix ends it.
     if (open != nullptr && r.area && *r.area == open->area) {
       open->endIndex = i + 1;

@@ -33,8 +33,10 @@ auto parseChoice(const char* option, const std::string& text, Parse parse) {
 
 TrackReadOptions trackOptions(const ParsedArgs& args) {
   TrackReadOptions o;
-  if (auto v = args.value("format")) o.format = parseChoice("format", *v, parseTrackFormat);
-  if (auto v = args.value("speed-unit")) o.speedUnit = parseChoice("speed-unit", *v, parseSpeedUnit);
+  if (auto v = args.value("format"))
+    o.format = parseChoice("format", *v, parseTrackFormat);
+  if (auto v = args.value("speed-unit"))
+    o.speedUnit = parseChoice("speed-unit", *v, parseSpeedUnit);
   if (auto v = args.value("lat-column")) o.latitudeColumn = *v;
   if (auto v = args.value("lon-column")) o.longitudeColumn = *v;
   if (auto v = args.value("speed-column")) o.speedColumn = *v;
@@ -43,7 +45,8 @@ TrackReadOptions trackOptions(const ParsedArgs& args) {
   if (auto v = args.value("where")) {
     const auto eq = v->find('=');
     if (eq == std::string::npos || eq == 0) {
-      throw UsageError("replay", "--where needs COLUMN=VALUE, got '" + *v + "'");
+      throw UsageError("replay",
+                       "--where needs COLUMN=VALUE, got '" + *v + "'");
     }
     o.filterColumn = v->substr(0, eq);
     o.filterValue = v->substr(eq + 1);
@@ -55,7 +58,8 @@ TrackReadOptions trackOptions(const ParsedArgs& args) {
 // host's main loop would, so that the sound tasks run on time.
 void waitFor(double trackSeconds, double factor) {
   using Clock = std::chrono::steady_clock;
-  const auto until = Clock::now() + std::chrono::duration<double>(trackSeconds / factor);
+  const auto until =
+      Clock::now() + std::chrono::duration<double>(trackSeconds / factor);
   while (Clock::now() < until) {
     mainQueue().runPending();
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -85,8 +89,8 @@ FixRecord observe(const Tarvo& monitor, ReplayRecorder& recorder) {
   FixRecord r;
   r.notices = recorder.takeNotices();
   r.sounds = recorder.takeSounds();
-  r.predicted = {monitor.pLeftCoordinate,    monitor.pMiddleCoordinate,
-                 monitor.pRightCoordinate,   monitor.pmidLeftCoordinate,
+  r.predicted = {monitor.pLeftCoordinate,      monitor.pMiddleCoordinate,
+                 monitor.pRightCoordinate,     monitor.pmidLeftCoordinate,
                  monitor.pmidMiddleCoordinate, monitor.pmidRightCoordinate};
   if (!r.notices.empty() && r.notices.back().occupied) {
     const Notice& n = r.notices.back();
@@ -108,7 +112,8 @@ int runReplay(const ParsedArgs& args) {
   if (args.has("realtime")) {
     const std::string v = args.value("realtime").value_or("");
     factor = v.empty() ? 1.0 : parseNumberOption("replay", "realtime", v);
-    if (!(factor > 0.0)) throw UsageError("replay", "--realtime FACTOR must be above 0");
+    if (!(factor > 0.0))
+      throw UsageError("replay", "--realtime FACTOR must be above 0");
   }
   applyDataDir(args);
   StoreLog log(false);
@@ -119,10 +124,12 @@ int runReplay(const ParsedArgs& args) {
   monitor->initializes();
   const AreaIndex areas(monitor->polygons());
   if (!monitor->polygons() || monitor->polygons()->empty()) {
-    std::cerr << "tarvo replay: warning: no areas are stored (see tarvo import)\n";
+    std::cerr
+        << "tarvo replay: warning: no areas are stored (see tarvo import)\n";
   }
 
-  EventPrinter printer(std::cout, {args.has("json"), args.has("all-notices"), args.has("quiet")});
+  EventPrinter printer(std::cout, {args.has("json"), args.has("all-notices"),
+                                   args.has("quiet")});
   const bool progress = isatty(STDERR_FILENO) && !args.has("quiet");
   std::vector<FixRecord> records;
   records.reserve(track.fixes.size());
@@ -133,15 +140,17 @@ int runReplay(const ParsedArgs& args) {
       waitFor(clock - records.back().clockSeconds, factor);
     }
     recorder->beginFix(clock);
-    monitor->checkPointinPolygonLatitude(fix.latitude, fix.longitude, fix.speedKmh, fix.headingDeg);
+    monitor->checkPointinPolygonLatitude(fix.latitude, fix.longitude,
+                                         fix.speedKmh, fix.headingDeg);
     mainQueue().runPending();  // the play and stop tasks of this fix
     FixRecord r = observe(*monitor, *recorder);
     r.fix = fix;
     r.index = i;
     r.clockSeconds = clock;
     if (r.area) {
-      r.state = areas.contains(r.area->guid, fix.latitude, fix.longitude) ? FixState::Inside
-                                                                           : FixState::Near;
+      r.state = areas.contains(r.area->guid, fix.latitude, fix.longitude)
+                    ? FixState::Inside
+                    : FixState::Near;
     }
     printer.onFix(r);
     records.push_back(std::move(r));
@@ -155,9 +164,11 @@ int runReplay(const ParsedArgs& args) {
   const ReplaySummary summary = summarize(records, track.skipped);
   printer.printSummary(summary, records);
   if (auto report = args.value("report")) {
-    ReportInput input{args.positional.front(), monitor->polygons(), &records, &summary};
+    ReportInput input{args.positional.front(), monitor->polygons(), &records,
+                      &summary};
     writeHtmlReport(*report, input);
-    (args.has("json") ? std::cerr : std::cout) << "Report written to " << *report << "\n";
+    (args.has("json") ? std::cerr : std::cout)
+        << "Report written to " << *report << "\n";
   }
   return 0;
 }

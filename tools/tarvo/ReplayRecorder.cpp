@@ -64,8 +64,8 @@ void ReplayRecorder::install(bool realSound) {
   auto log = log_;
   SoundPlayerFactory previous = previous_;
   previous_ = setSoundPlayerFactory(
-      [log, realSound, previous](const std::string& path)
-          -> std::shared_ptr<SoundPlayer> {
+      [log, realSound,
+       previous](const std::string& path) -> std::shared_ptr<SoundPlayer> {
         // Keep the library's rule: no sound file, no player.
         if (!std::ifstream(path).good()) return nullptr;
         std::shared_ptr<SoundPlayer> real;

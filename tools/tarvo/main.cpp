@@ -42,8 +42,8 @@ bool wantsHelp(const std::vector<std::string>& args) {
 
 int usageError(const std::string& command, const std::string& message) {
   std::cerr << "tarvo" << (command.empty() ? "" : " " + command) << ": "
-            << message << "\nTry 'tarvo" << (command.empty() ? "" : " " + command)
-            << " --help'.\n";
+            << message << "\nTry 'tarvo"
+            << (command.empty() ? "" : " " + command) << " --help'.\n";
   return 2;
 }
 
