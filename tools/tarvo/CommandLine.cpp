@@ -1,0 +1,275 @@
+#include "CommandLine.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace tarvo::cli {
+namespace {
+
+const char kImportHelp[] =
+    R"(Usage: tarvo import FILE [options]
+
+Registers every area of FILE in the store. The whole file is read and
+checked first: a file with any error changes nothing.
+
+FILE formats: TSV with columns guid, name, points (kind optional),
+GeoJSON polygons, KML polygons. Points are "lon,lat lon,lat ...".
+
+Options:
+  --format auto|tsv|geojson|kml  file format (default: from the extension)
+  --name-property P   GeoJSON/KML property that holds the name (default name)
+  --id-property P     GeoJSON/KML property that holds the GUID (default id)
+  --replace           overwrite areas already stored under the same GUID
+  --data-dir DIR      directory of the store (default: the library's
+                      documents directory, or $TARVO_DOCUMENTS_DIR)
+  --verbose           show the store's log (every SQL insert)
+  --help              show this text
+
+Exit status: 0 on success, 1 on bad input or a store failure, 2 on usage.
+)";
+
+const char kListHelp[] =
+    R"(Usage: tarvo list [options]
+
+Lists the stored areas in store order: GUID, kind (hazard or hold-short,
+from the name: a name containing "HOLD SHORT" is a hold-short area), number
+of vertices and name.
+
+Options:
+  --data-dir DIR  directory of the store
+  --json          one JSON object per area and line (guid, name, kind, points)
+  --help          show this text
+)";
+
+const char kRemoveHelp[] =
+    R"(Usage: tarvo remove GUID... [options]
+
+Deletes the areas stored under the given GUIDs.
+
+Options:
+  --data-dir DIR  directory of the store
+  --help          show this text
+
+Exit status: 1 when a GUID is not stored or the store fails.
+)";
+
+const char kClearHelp[] =
+    R"(Usage: tarvo clear [options]
+
+Deletes every stored area.
+
+Options:
+  --data-dir DIR  directory of the store
+  --help          show this text
+)";
+
+const char kReplayHelp[] =
+    R"(Usage: tarvo replay TRACK [options]
+
+Hands every fix of a recorded track to the monitor, in file order, against
+the stored areas, and prints what a pilot's app would hear: each entry into
+and exit from an area, and each start and stop of the caution sound, with the
+time of the fix. Ends with a summary: fixes read and skipped, and every
+incursion episode (area, kind, start, end, duration).
+
+TRACK formats: CSV (with a header line), NMEA 0183 (RMC sentences), GPX.
+
+Options:
+  --data-dir DIR         directory of the store
+  --format auto|csv|nmea|gpx   track format (default: from the extension)
+  --lat-column C         CSV column of the latitude (degrees)
+  --lon-column C         CSV column of the longitude (degrees)
+  --speed-column C       CSV column of the ground speed
+  --heading-column C     CSV column of the track (degrees true)
+  --time-column C        CSV column of the time
+  --speed-unit kmh|kt|mps  unit of the speed column (default kmh)
+  --where COLUMN=VALUE   use only the CSV rows whose COLUMN is VALUE
+  --all-notices          print every notice (the monitor sends one per fix),
+                         not only entries and exits
+  --json                 JSON Lines: one object per notice, entry, exit and
+                         sound event, then one summary object
+  --realtime [FACTOR]    pace the fixes by their times (FACTOR 2: twice as
+                         fast) and play the caution sound
+  --report FILE.html     also write a self-contained HTML map of the replay
+  --quiet                print the summary only
+  --help                 show this text
+
+Without --realtime the replay runs as fast as it can and no sound is heard;
+the sound events are then timed on the track's own clock.
+)";
+
+const std::vector<CommandSpec>& commandTable() {
+  static const std::vector<CommandSpec> table = {
+      {"import",
+       "register the areas of a TSV, GeoJSON or KML file",
+       1,
+       1,
+       {{"format", OptionValue::Required},
+        {"name-property", OptionValue::Required},
+        {"id-property", OptionValue::Required},
+        {"replace", OptionValue::None},
+        {"data-dir", OptionValue::Required},
+        {"verbose", OptionValue::None}},
+       kImportHelp},
+      {"list",
+       "list the stored areas",
+       0,
+       0,
+       {{"data-dir", OptionValue::Required}, {"json", OptionValue::None}},
+       kListHelp},
+      {"remove",
+       "delete stored areas by GUID",
+       1,
+       -1,
+       {{"data-dir", OptionValue::Required}},
+       kRemoveHelp},
+      {"clear",
+       "delete every stored area",
+       0,
+       0,
+       {{"data-dir", OptionValue::Required}},
+       kClearHelp},
+      {"replay",
+       "replay a recorded track against the stored areas",
+       1,
+       1,
+       {{"data-dir", OptionValue::Required},
+        {"format", OptionValue::Required},
+        {"lat-column", OptionValue::Required},
+        {"lon-column", OptionValue::Required},
+        {"speed-column", OptionValue::Required},
+        {"heading-column", OptionValue::Required},
+        {"time-column", OptionValue::Required},
+        {"speed-unit", OptionValue::Required},
+        {"where", OptionValue::Required},
+        {"all-notices", OptionValue::None},
+        {"json", OptionValue::None},
+        {"realtime", OptionValue::Optional},
+        {"report", OptionValue::Required},
+        {"quiet", OptionValue::None}},
+       kReplayHelp},
+  };
+  return table;
+}
+
+bool looksLikeNumber(const std::string& text) {
+  if (text.empty()) return false;
+  char* end = nullptr;
+  std::strtod(text.c_str(), &end);
+  return end == text.c_str() + text.size();
+}
+
+const OptionSpec* findOption(const CommandSpec& command,
+                             const std::string& name) {
+  for (const OptionSpec& option : command.options) {
+    if (name == option.name) return &option;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::optional<std::string> ParsedArgs::value(const std::string& name) const {
+  auto it = options.find(name);
+  if (it == options.end()) return std::nullopt;
+  return it->second;
+}
+
+const CommandSpec* findCommand(const std::string& name) {
+  for (const CommandSpec& command : commandTable()) {
+    if (name == command.name) return &command;
+  }
+  return nullptr;
+}
+
+const std::vector<CommandSpec>& allCommands() { return commandTable(); }
+
+std::string toolHelp() {
+  std::string text =
+      "Usage: tarvo COMMAND [ARGS...]\n"
+      "       tarvo --version | --help\n\n"
+      "Runway-incursion warnings on real airports and recorded tracks.\n\n"
+      "Commands:\n";
+  for (const CommandSpec& command : commandTable()) {
+    std::string name = command.name;
+    text += "  " + name + std::string(9 - name.size(), ' ') + command.summary +
+            "\n";
+  }
+  text +=
+      "\nRun `tarvo COMMAND --help` for the options of a command.\n"
+      "Example:\n"
+      "  tarvo import KMSP-areas.tsv --data-dir demo-data\n"
+      "  tarvo replay kmsp-kden-tracks.csv --data-dir demo-data \\\n"
+      "      --where segment=KMSP-4-taxi-out-takeoff --report out.html\n";
+  return text;
+}
+
+ParsedArgs parseArguments(const CommandSpec& command,
+                          const std::vector<std::string>& args) {
+  ParsedArgs parsed;
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    if (arg.size() < 2 || arg.compare(0, 2, "--") != 0 || arg == "--") {
+      parsed.positional.push_back(arg);
+      continue;
+    }
+    std::string name = arg.substr(2);
+    std::optional<std::string> inlineValue;
+    if (auto eq = name.find('='); eq != std::string::npos) {
+      inlineValue = name.substr(eq + 1);
+      name.resize(eq);
+    }
+    const OptionSpec* option = findOption(command, name);
+    if (option == nullptr) {
+      throw UsageError(command.name, "unknown option '--" + name + "'");
+    }
+    std::string value;
+    switch (option->value) {
+      case OptionValue::None:
+        if (inlineValue) {
+          throw UsageError(command.name, "--" + name + " takes no value");
+        }
+        break;
+      case OptionValue::Required:
+        if (inlineValue) {
+          value = *inlineValue;
+        } else if (i + 1 < args.size()) {
+          value = args[++i];
+        } else {
+          throw UsageError(command.name, "--" + name + " needs a value");
+        }
+        break;
+      case OptionValue::Optional:
+        // Only a number is taken as the value, so that a track file name
+        // after a bare --realtime stays a positional argument.
+        if (inlineValue) {
+          value = *inlineValue;
+        } else if (i + 1 < args.size() && looksLikeNumber(args[i + 1])) {
+          value = args[++i];
+        }
+        break;
+    }
+    parsed.options[name] = value;
+  }
+  const int count = static_cast<int>(parsed.positional.size());
+  if (count < command.minPositional) {
+    throw UsageError(command.name, "missing argument");
+  }
+  if (command.maxPositional >= 0 && count > command.maxPositional) {
+    throw UsageError(command.name,
+                     "unexpected argument '" +
+                         parsed.positional[command.maxPositional] + "'");
+  }
+  return parsed;
+}
+
+double parseNumberOption(const std::string& command, const std::string& option,
+                         const std::string& text) {
+  if (!looksLikeNumber(text)) {
+    throw UsageError(command,
+                     "--" + option + ": '" + text + "' is not a number");
+  }
+  return std::strtod(text.c_str(), nullptr);
+}
+
+}  // namespace tarvo::cli

@@ -1,0 +1,100 @@
+#include "IncursionSummary.h"
+
+#include <cstdio>
+#include <sstream>
+
+namespace tarvo::cli {
+namespace {
+
+std::string lineList(const std::vector<int>& lines) {
+  std::ostringstream out;
+  const std::size_t shown = lines.size() < 8 ? lines.size() : 8;
+  for (std::size_t i = 0; i < shown; ++i) out << (i ? ", " : "") << lines[i];
+  if (lines.size() > shown) out << ", ...";
+  return out.str();
+}
+
+}  // namespace
+
+ReplaySummary summarize(const std::vector<FixRecord>& records,
+                        const std::vector<SkippedFix>& skipped) {
+  ReplaySummary summary;
+  summary.fixesRead = records.size();
+  summary.fixesSkipped = skipped.size();
+  for (const SkippedFix& s : skipped) {
+    summary.skippedByReason[s.reason].push_back(s.sourceLine);
+  }
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    const FixRecord& r = records[i];
+    Episode* open =
+        summary.episodes.empty() || summary.episodes.back().endIndex != i
+            ? nullptr
+            : &summary.episodes.back();
+    // An open episode has endIndex == i until a fix ends it.
+    if (open != nullptr && r.area && *r.area == open->area) {
+      open->endIndex = i + 1;
+      open->aircraftInside |= r.state == FixState::Inside;
+      continue;
+    }
+    if (r.area) {
+      Episode e;
+      e.area = *r.area;
+      e.startIndex = i;
+      e.endIndex = i + 1;
+      e.aircraftInside = r.state == FixState::Inside;
+      summary.episodes.push_back(e);
+    }
+  }
+  for (Episode& e : summary.episodes) {
+    if (e.endIndex >= records.size()) {
+      e.endIndex = records.size() - 1;
+      e.endedWithTrack = true;
+    }
+    e.durationSeconds =
+        records[e.endIndex].clockSeconds - records[e.startIndex].clockSeconds;
+  }
+  return summary;
+}
+
+std::string formatDuration(double seconds) {
+  char text[32];
+  if (seconds < 60.0) {
+    std::snprintf(text, sizeof text, "%.1f s", seconds);
+  } else {
+    const int whole = static_cast<int>(seconds + 0.5);
+    std::snprintf(text, sizeof text, "%d min %02d s", whole / 60, whole % 60);
+  }
+  return text;
+}
+
+std::string fixTime(const FixRecord& record) {
+  if (!record.fix.timeText.empty()) return record.fix.timeText;
+  return "fix " + std::to_string(record.index + 1);
+}
+
+std::string formatSummary(const ReplaySummary& summary,
+                          const std::vector<FixRecord>& records) {
+  std::ostringstream out;
+  out << "Summary: " << summary.fixesRead << " fixes replayed, "
+      << summary.fixesSkipped << " skipped\n";
+  for (const auto& [reason, lines] : summary.skippedByReason) {
+    out << "  skipped " << lines.size() << " x " << reason << " (line"
+        << (lines.size() == 1 ? " " : "s ") << lineList(lines) << ")\n";
+  }
+  out << "Incursion episodes: " << summary.episodes.size() << "\n";
+  int n = 0;
+  for (const Episode& e : summary.episodes) {
+    const FixRecord& start = records[e.startIndex];
+    const FixRecord& end = records[e.endIndex];
+    out << "  " << ++n << ". " << e.area.name << " ["
+        << (e.area.hazard ? "hazard" : "hold-short") << ", " << e.area.guid
+        << "] " << fixTime(start) << " -> " << fixTime(end)
+        << (e.endedWithTrack ? " (track ends)" : "") << ", "
+        << formatDuration(e.durationSeconds)
+        << (e.aircraftInside ? ", aircraft inside" : ", predicted only")
+        << "\n";
+  }
+  return out.str();
+}
+
+}  // namespace tarvo::cli

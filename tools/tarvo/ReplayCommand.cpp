@@ -1,0 +1,176 @@
+// replay: hands a recorded track to the monitor, fix by fix, as a pilot's
+// app would, and reports what the monitor said.
+#include <TarvoFramework/Geometry.h>
+#include <TarvoFramework/MainQueue.h>
+#include <TarvoFramework/Tarvo.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <stdexcept>
+#include <thread>
+
+#include "Commands.h"
+#include "EventPrinter.h"
+#include "HtmlReport.h"
+#include "IncursionSummary.h"
+#include "ReplayRecorder.h"
+#include "readers/TrackReader.h"
+
+namespace tarvo::cli {
+namespace {
+
+template <typename Parse>
+auto parseChoice(const char* option, const std::string& text, Parse parse) {
+  try {
+    return parse(text);
+  } catch (const std::invalid_argument& e) {
+    throw UsageError("replay", std::string("--") + option + ": " + e.what());
+  }
+}
+
+TrackReadOptions trackOptions(const ParsedArgs& args) {
+  TrackReadOptions o;
+  if (auto v = args.value("format"))
+    o.format = parseChoice("format", *v, parseTrackFormat);
+  if (auto v = args.value("speed-unit"))
+    o.speedUnit = parseChoice("speed-unit", *v, parseSpeedUnit);
+  if (auto v = args.value("lat-column")) o.latitudeColumn = *v;
+  if (auto v = args.value("lon-column")) o.longitudeColumn = *v;
+  if (auto v = args.value("speed-column")) o.speedColumn = *v;
+  if (auto v = args.value("heading-column")) o.headingColumn = *v;
+  if (auto v = args.value("time-column")) o.timeColumn = *v;
+  if (auto v = args.value("where")) {
+    const auto eq = v->find('=');
+    if (eq == std::string::npos || eq == 0) {
+      throw UsageError("replay",
+                       "--where needs COLUMN=VALUE, got '" + *v + "'");
+    }
+    o.filterColumn = v->substr(0, eq);
+    o.filterValue = v->substr(eq + 1);
+  }
+  return o;
+}
+
+// Sleeps until the track's next fix is due, draining the main queue as a
+// host's main loop would, so that the sound tasks run on time.
+void waitFor(double trackSeconds, double factor) {
+  using Clock = std::chrono::steady_clock;
+  const auto until =
+      Clock::now() + std::chrono::duration<double>(trackSeconds / factor);
+  while (Clock::now() < until) {
+    mainQueue().runPending();
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+}
+
+class AreaIndex {
+ public:
+  explicit AreaIndex(const std::shared_ptr<DMPolygonArray>& areas) {
+    if (!areas) return;
+    for (const auto& a : *areas) byGuid_[a->polygonGUID().value_or("")] = a;
+  }
+  // Whether the point itself lies in the area, tested as the monitor tests.
+  bool contains(const std::string& guid, double lat, double lon) const {
+    auto it = byGuid_.find(guid);
+    if (it == byGuid_.end() || !it->second->polygonPoints()) return false;
+    const DMPointArray& ring = *it->second->polygonPoints();
+    return pointInPolygon(ring.data(), static_cast<std::int32_t>(ring.size()),
+                          static_cast<float>(lat), static_cast<float>(lon));
+  }
+
+ private:
+  std::map<std::string, std::shared_ptr<DMPolygon>> byGuid_;
+};
+
+FixRecord observe(const Tarvo& monitor, ReplayRecorder& recorder) {
+  FixRecord r;
+  r.notices = recorder.takeNotices();
+  r.sounds = recorder.takeSounds();
+  r.predicted = {monitor.pLeftCoordinate,      monitor.pMiddleCoordinate,
+                 monitor.pRightCoordinate,     monitor.pmidLeftCoordinate,
+                 monitor.pmidMiddleCoordinate, monitor.pmidRightCoordinate};
+  if (!r.notices.empty() && r.notices.back().occupied) {
+    const Notice& n = r.notices.back();
+    r.area = AreaRef{n.name, n.guid, monitor.isHazardArea()};
+    r.onRunway = n.onRunway;
+  }
+  return r;
+}
+
+void showProgress(std::size_t done, std::size_t total) {
+  std::cerr << "\rreplaying fix " << done << "/" << total << std::flush;
+}
+
+}  // namespace
+
+int runReplay(const ParsedArgs& args) {
+  const Track track = readTrack(args.positional.front(), trackOptions(args));
+  double factor = 0.0;  // 0: as fast as possible
+  if (args.has("realtime")) {
+    const std::string v = args.value("realtime").value_or("");
+    factor = v.empty() ? 1.0 : parseNumberOption("replay", "realtime", v);
+    if (!(factor > 0.0))
+      throw UsageError("replay", "--realtime FACTOR must be above 0");
+  }
+  applyDataDir(args);
+  StoreLog log(false);
+  auto recorder = std::make_shared<ReplayRecorder>();
+  recorder->install(factor > 0.0);
+  const auto& monitor = Tarvo::sharedManager();
+  monitor->setDelegate(recorder);
+  monitor->initializes();
+  const AreaIndex areas(monitor->polygons());
+  if (!monitor->polygons() || monitor->polygons()->empty()) {
+    std::cerr
+        << "tarvo replay: warning: no areas are stored (see tarvo import)\n";
+  }
+
+  EventPrinter printer(std::cout, {args.has("json"), args.has("all-notices"),
+                                   args.has("quiet")});
+  const bool progress = isatty(STDERR_FILENO) && !args.has("quiet");
+  std::vector<FixRecord> records;
+  records.reserve(track.fixes.size());
+  for (std::size_t i = 0; i < track.fixes.size(); ++i) {
+    const TrackFix& fix = track.fixes[i];
+    const double clock = fix.timeSeconds.value_or(static_cast<double>(i));
+    if (factor > 0.0 && i > 0 && clock > records.back().clockSeconds) {
+      waitFor(clock - records.back().clockSeconds, factor);
+    }
+    recorder->beginFix(clock);
+    monitor->checkPointinPolygonLatitude(fix.latitude, fix.longitude,
+                                         fix.speedKmh, fix.headingDeg);
+    mainQueue().runPending();  // the play and stop tasks of this fix
+    FixRecord r = observe(*monitor, *recorder);
+    r.fix = fix;
+    r.index = i;
+    r.clockSeconds = clock;
+    if (r.area) {
+      r.state = areas.contains(r.area->guid, fix.latitude, fix.longitude)
+                    ? FixState::Inside
+                    : FixState::Near;
+    }
+    printer.onFix(r);
+    records.push_back(std::move(r));
+    if (progress && (i % 50 == 0 || i + 1 == track.fixes.size())) {
+      showProgress(i + 1, track.fixes.size());
+    }
+  }
+  if (progress) std::cerr << "\r\033[K" << std::flush;
+  if (factor > 0.0) waitFor(1.5, 1.0);  // let the last sound finish
+
+  const ReplaySummary summary = summarize(records, track.skipped);
+  printer.printSummary(summary, records);
+  if (auto report = args.value("report")) {
+    ReportInput input{args.positional.front(), monitor->polygons(), &records,
+                      &summary};
+    writeHtmlReport(*report, input);
+    (args.has("json") ? std::cerr : std::cout)
+        << "Report written to " << *report << "\n";
+  }
+  return 0;
+}
+
+}  // namespace tarvo::cli
