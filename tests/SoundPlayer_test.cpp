@@ -137,6 +137,18 @@ TEST_F(SoundPlayerTest, PlayersShareTheOutputWithoutDisturbingEachOther) {
   first.reset();
   EXPECT_TRUE(second->isPlaying());
 
+  // More players than the mixer's initial eight channels, all sounding.
+  std::vector<std::shared_ptr<tarvo::SoundPlayer>> crowd;
+  for (int i = 0; i < 12; ++i) {
+    crowd.push_back(tarvo::makeSoundPlayer(chimePath()));
+    ASSERT_NE(nullptr, crowd.back()) << i;
+    crowd.back()->setNumberOfLoops(-1);
+    ASSERT_TRUE(crowd.back()->play()) << i;
+  }
+  for (const auto& p : crowd) EXPECT_TRUE(p->isPlaying());
+  crowd.clear();
+  EXPECT_TRUE(second->isPlaying());
+
   // Starts and stops from a main-queue thread while the fix thread asks and
   // sets the loops; every call must return and the player end silent.
   std::atomic<bool> done{false};

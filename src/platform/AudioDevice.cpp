@@ -115,7 +115,7 @@ int AudioDevice::acquireChannel() {
   }
   const int channel = static_cast<int>(taken_.size());
   if (channel >= kMaxChannels) return -1;
-  const int wanted = std::min(kMaxChannels, 2 * channel);
+  const int wanted = std::min(kMaxChannels, std::max(channel + 1, 2 * channel));
   if (Mix_AllocateChannels(wanted) <= channel) return -1;
   taken_.resize(static_cast<std::size_t>(wanted), false);
   taken_[static_cast<std::size_t>(channel)] = true;
