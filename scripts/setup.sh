@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev
           nlohmann-json3-dev libpugixml-dev)
 if [[ "${1:-}" == "--tests" ]]; then
-  packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox chromium clang)
+  packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame chromium clang)
 fi
 
 missing=()

@@ -1,0 +1,207 @@
+// The caution sound as the monitor drives it: made in initializes(), started
+// and stopped by main-queue tasks that the test runs as a host would, and
+// heard through SDL's disk driver.
+#include <TarvoFramework/Directories.h>
+#include <TarvoFramework/MainQueue.h>
+#include <TarvoFramework/Tarvo.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "sound/DiskAudio.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using tarvo::OptionalString;
+
+#if TARVO_TEST_HAVE_AUDIO
+constexpr bool kHaveAudio = true;
+#else
+constexpr bool kHaveAudio = false;
+#endif
+
+// An east-west runway strip about 110 m by 440 m, and a taxiing track along
+// its middle, heading east at 30 km/h.
+constexpr double kTrackLat = 10.0005;
+constexpr double kSpeedKmh = 30.0;
+constexpr double kHeadingDeg = 90.0;
+constexpr double kOutsideLon = 19.9990;  // 120 m short; 4 s ahead is 33 m
+constexpr double kInsideLon = 20.0012;
+constexpr double kBeyondLon = 20.0080;  // past the far end
+// 0.1 s at 30 km/h, in degrees of longitude at 10 degrees north.
+constexpr double kStepLon = 0.8333 / 109640.0;
+
+std::shared_ptr<tarvo::DMPolygonArray> oneArea(const std::string& name) {
+  auto area = std::make_shared<tarvo::DMPolygon>();
+  area->setPolygonName(name);
+  area->setPolygonGUID("guid-" + name);
+  area->setPolygonPoints(std::make_shared<tarvo::DMPointArray>(
+      tarvo::DMPointArray{{10.0000, 20.0010},
+                          {10.0000, 20.0050},
+                          {10.0010, 20.0050},
+                          {10.0010, 20.0010}}));
+  return std::make_shared<tarvo::DMPolygonArray>(
+      tarvo::DMPolygonArray{std::move(area)});
+}
+
+class RecordingDelegate : public tarvo::TarvoDelegate {
+ public:
+  void RunwayIncrusionOccurredAtRunway(const OptionalString& name,
+                                       const OptionalString& guid,
+                                       bool) override {
+    occurred.push_back(name.value_or("<absent>") + "/" +
+                       guid.value_or("<absent>"));
+  }
+  void RunwayIncrusionRemovededFromRunway(const OptionalString& name,
+                                          const OptionalString&) override {
+    removed.push_back(name.value_or("<absent>"));
+  }
+  std::vector<std::string> occurred;
+  std::vector<std::string> removed;
+};
+
+// One fix, then the main queue's tasks, as a host's main loop runs them.
+void handFix(tarvo::Tarvo& monitor, double lon) {
+  monitor.checkPointinPolygonLatitude(kTrackLat, lon, kSpeedKmh, kHeadingDeg);
+  tarvo::mainQueue().runPending();
+}
+
+TEST(MonitorSound, WithoutAUsableSoundFileTheMonitorStillWarns) {
+  const std::string dir = tarvo_test::makeTempDir();
+  tarvo_test::useDiskAudio(dir);
+  std::string chime;
+  {
+    std::ifstream in(tarvo::resourceDirectory() + "/localcaution.mp3",
+                     std::ios::binary);
+    chime.assign(std::istreambuf_iterator<char>(in),
+                 std::istreambuf_iterator<char>());
+  }
+  ASSERT_FALSE(chime.empty()) << "no chime in the build tree's resources";
+  struct Case {
+    const char* what;
+    const char* file;  // written into the resource dir; null: none
+    std::string bytes;
+    bool player;
+  };
+  const Case cases[] = {
+      {"missing file", nullptr, "", false},
+      {"corrupt file", "localcaution.mp3", "ID3 but no frames", false},
+      {"the chime", "localcaution.mp3", chime, kHaveAudio},
+  };
+  const std::shared_ptr<tarvo::Tarvo>& monitor = tarvo::Tarvo::sharedManager();
+  auto delegate = std::make_shared<RecordingDelegate>();
+  monitor->setDelegate(delegate);
+  for (const Case& c : cases) {
+    const fs::path resources = fs::path(dir) / c.what;
+    fs::create_directories(resources);
+    if (c.file) std::ofstream(resources / c.file, std::ios::binary) << c.bytes;
+    tarvo::setResourceDirectory(resources.string());
+    monitor->initializes();
+    EXPECT_EQ(c.player, monitor->currentaudioPlayer() != nullptr) << c.what;
+    monitor->setPolygons(oneArea(c.what));
+
+    delegate->occurred.clear();
+    handFix(*monitor, kInsideLon);
+    ASSERT_EQ(1u, delegate->occurred.size()) << c.what;
+    EXPECT_EQ(std::string(c.what) + "/guid-" + c.what, delegate->occurred[0]);
+    if (c.player) {
+      EXPECT_TRUE(monitor->currentaudioPlayer()->isPlaying()) << c.what;
+    }
+    handFix(*monitor, kBeyondLon);
+    ASSERT_FALSE(delegate->removed.empty()) << c.what;
+    EXPECT_EQ(c.what, delegate->removed.back());
+    if (c.player) {
+      EXPECT_FALSE(monitor->currentaudioPlayer()->isPlaying()) << c.what;
+    }
+  }
+  // The build tree's own resource directory, found from the library.
+  tarvo::setResourceDirectory("");
+  monitor->initializes();
+  EXPECT_EQ(kHaveAudio, monitor->currentaudioPlayer() != nullptr);
+  fs::remove_all(dir);
+}
+
+#if TARVO_TEST_HAVE_AUDIO
+
+// Keeps the written sound for listening when TARVO_KEEP_SOUND names a file.
+void keepOutput(const std::string& output) {
+  if (const char* keep = std::getenv("TARVO_KEEP_SOUND")) {
+    fs::copy_file(output, keep, fs::copy_options::overwrite_existing);
+  }
+}
+
+TEST(MonitorSound, ATrackOntoAnAreaIsHeardAsTheAreaDemands) {
+  const std::string dir = tarvo_test::makeTempDir();
+  const std::string output = tarvo_test::useDiskAudio(dir);
+  struct Case {
+    const char* area;
+    bool leaveAtFirstChime;
+    std::size_t chimes;
+  };
+  const Case cases[] = {
+      {"RWY 09/27", false, 3},
+      {"A3 HOLD SHORT 09", false, 2},
+      {"RWY 09/27", true, 1},  // vacates while the first chime sounds
+  };
+  const std::shared_ptr<tarvo::Tarvo>& monitor = tarvo::Tarvo::sharedManager();
+  auto delegate = std::make_shared<RecordingDelegate>();
+  monitor->setDelegate(delegate);
+  monitor->initializes();
+  const std::shared_ptr<tarvo::SoundPlayer> player =
+      monitor->currentaudioPlayer();
+  ASSERT_NE(nullptr, player);
+
+  for (const Case& c : cases) {
+    monitor->setPolygons(oneArea(c.area));
+    const std::size_t from = tarvo_test::framesWritten(output);
+    // Approach: three fixes 120 m to 10 m short, none looking far enough.
+    for (double lon = kOutsideLon; lon < 20.0001; lon += 0.0005) {
+      handFix(*monitor, lon);
+    }
+    EXPECT_FALSE(player->isPlaying()) << c.area << ": sound before entering";
+
+    // Taxi on at 10 fixes a second until the warning is over (or, for the
+    // early exit, until it is being heard).
+    bool started = false;
+    double lon = kInsideLon;
+    for (int fix = 0; fix < 100; ++fix, lon += kStepLon) {
+      handFix(*monitor, lon);
+      const bool playing = player->isPlaying();
+      if (started && !playing) break;
+      started = started || playing;
+      if (c.leaveAtFirstChime && started &&
+          !tarvo_test::findBursts(output, from).empty()) {
+        break;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    ASSERT_TRUE(started) << c.area;
+    const std::size_t exitAt = tarvo_test::framesWritten(output);
+    handFix(*monitor, kBeyondLon);
+    EXPECT_FALSE(player->isPlaying()) << c.area;
+    ASSERT_FALSE(delegate->removed.empty()) << c.area;
+    EXPECT_EQ(c.area, delegate->removed.back());
+
+    ASSERT_TRUE(tarvo_test::waitForFrames(
+        output, tarvo_test::framesWritten(output) + tarvo_test::kRateHz / 2));
+    const auto bursts = tarvo_test::findBursts(output, from);
+    EXPECT_EQ(c.chimes, bursts.size()) << c.area;
+    if (c.leaveAtFirstChime && !bursts.empty()) {
+      EXPECT_LT(bursts.back().end, exitAt + tarvo_test::kRateHz / 10);
+    }
+  }
+  keepOutput(output);
+  fs::remove_all(dir);
+}
+
+#endif  // TARVO_TEST_HAVE_AUDIO
+
+}  // namespace
