@@ -7,6 +7,7 @@
 
 #include "readers/ReaderText.h"
 #include "readers/TrackFormats.h"
+#include "readers/XmlElements.h"
 
 namespace tarvo::cli::detail {
 namespace {
@@ -15,38 +16,6 @@ namespace {
 // speed replays consistently with the positions it predicts.
 constexpr double kEarthRadiusMeters = 6371010.0;
 constexpr double kPi = 3.14159265358979323846;
-
-std::string localName(const pugi::xml_node& node) {
-  std::string name = node.name();
-  const std::size_t colon = name.find(':');
-  return colon == std::string::npos ? name : name.substr(colon + 1);
-}
-
-// First element with this local name among node's children, or with
-// deep = true anywhere below node.
-pugi::xml_node find(const pugi::xml_node& node, const std::string& name,
-                    bool deep) {
-  for (pugi::xml_node c : node.children()) {
-    if (c.type() != pugi::node_element) continue;
-    if (localName(c) == name) return c;
-    if (deep) {
-      if (pugi::xml_node found = find(c, name, true)) return found;
-    }
-  }
-  return {};
-}
-
-void collect(const pugi::xml_node& node, const std::string& name,
-             std::vector<pugi::xml_node>& found) {
-  for (pugi::xml_node c : node.children()) {
-    if (c.type() != pugi::node_element) continue;
-    if (localName(c) == name) {
-      found.push_back(c);
-    } else {
-      collect(c, name, found);
-    }
-  }
-}
 
 struct Point {
   TrackFix fix;
@@ -101,7 +70,7 @@ Point GpxParser::point(const pugi::xml_node& node) const {
     }
     (name[1] == 'a' ? p.fix.latitude : p.fix.longitude) = *number;
   }
-  if (pugi::xml_node time = find(node, "time", false)) {
+  if (pugi::xml_node time = findElement(node, "time", false)) {
     p.fix.timeText = std::string(text::trim(time.child_value()));
     p.fix.timeSeconds = text::parseIsoTime(p.fix.timeText);
     if (!p.fix.timeSeconds) {
@@ -109,13 +78,13 @@ Point GpxParser::point(const pugi::xml_node& node) const {
                           "'" + p.fix.timeText + "' is not an ISO 8601 time"});
     }
   }
-  const pugi::xml_node extensions = find(node, "extensions", false);
-  p.speedMps = value(find(node, "speed", false), "speed", line);
+  const pugi::xml_node extensions = findElement(node, "extensions", false);
+  p.speedMps = value(findElement(node, "speed", false), "speed", line);
   if (!p.speedMps)
-    p.speedMps = value(find(extensions, "speed", true), "speed", line);
-  p.course = value(find(node, "course", false), "course", line);
+    p.speedMps = value(findElement(extensions, "speed", true), "speed", line);
+  p.course = value(findElement(node, "course", false), "course", line);
   if (!p.course)
-    p.course = value(find(extensions, "course", true), "course", line);
+    p.course = value(findElement(extensions, "course", true), "course", line);
   return p;
 }
 
@@ -174,8 +143,8 @@ Track parseGpxTrack(const std::string& path, const std::string& content) {
          "", std::string("XML: ") + result.description()});
   }
   std::vector<pugi::xml_node> nodes;
-  collect(document, "trkpt", nodes);
-  if (nodes.empty()) collect(document, "rtept", nodes);
+  collectElements(document, "trkpt", nodes);
+  if (nodes.empty()) collectElements(document, "rtept", nodes);
   const GpxParser parser(path, content);
   std::vector<Point> points;
   for (const pugi::xml_node& node : nodes) points.push_back(parser.point(node));

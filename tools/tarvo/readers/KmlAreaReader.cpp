@@ -5,46 +5,23 @@
 
 #include "readers/AreaFormats.h"
 #include "readers/ReaderText.h"
+#include "readers/XmlElements.h"
 
 namespace tarvo::cli::detail {
 namespace {
-
-// Element name without a namespace prefix ("kml:Placemark" -> "Placemark").
-std::string localName(const pugi::xml_node& node) {
-  std::string name = node.name();
-  const std::size_t colon = name.find(':');
-  return colon == std::string::npos ? name : name.substr(colon + 1);
-}
-
-pugi::xml_node child(const pugi::xml_node& node, const std::string& name) {
-  for (pugi::xml_node c : node.children()) {
-    if (c.type() == pugi::node_element && localName(c) == name) return c;
-  }
-  return {};
-}
-
-void collect(const pugi::xml_node& node, const std::string& name,
-             std::vector<pugi::xml_node>& found) {
-  for (pugi::xml_node c : node.children()) {
-    if (c.type() != pugi::node_element) continue;
-    if (localName(c) == name) {
-      found.push_back(c);
-    } else {
-      collect(c, name, found);
-    }
-  }
-}
 
 // An ExtendedData value: <Data name="key"><value>..</value></Data> or
 // <SimpleData name="key">..</SimpleData>.
 std::optional<std::string> extendedValue(const pugi::xml_node& placemark,
                                          const std::string& key) {
   std::vector<pugi::xml_node> data;
-  collect(child(placemark, "ExtendedData"), "Data", data);
-  collect(child(placemark, "ExtendedData"), "SimpleData", data);
+  collectElements(findElement(placemark, "ExtendedData", false), "Data", data);
+  collectElements(findElement(placemark, "ExtendedData", false), "SimpleData",
+                  data);
   for (const pugi::xml_node& d : data) {
     if (d.attribute("name").value() != key) continue;
-    const pugi::xml_node value = localName(d) == "Data" ? child(d, "value") : d;
+    const pugi::xml_node value =
+        localName(d) == "Data" ? findElement(d, "value", false) : d;
     return std::string(text::trim(value.child_value()));
   }
   return std::nullopt;
@@ -85,9 +62,10 @@ void addPlacemark(const pugi::xml_node& placemark, int index,
                   const std::string& path, const std::string& content,
                   std::vector<SourcedArea>& areas) {
   std::vector<pugi::xml_node> polygons;
-  collect(placemark, "Polygon", polygons);
+  collectElements(placemark, "Polygon", polygons);
   if (polygons.empty()) return;
-  const std::string name(text::trim(child(placemark, "name").child_value()));
+  const std::string name(
+      text::trim(findElement(placemark, "name", false).child_value()));
   std::string guid = placemark.attribute("id").value();
   if (guid.empty()) guid = extendedValue(placemark, "guid").value_or("");
   if (guid.empty()) guid = extendedValue(placemark, "id").value_or("");
@@ -96,9 +74,10 @@ void addPlacemark(const pugi::xml_node& placemark, int index,
       knownKind(extendedValue(placemark, "kind").value_or(""));
   const int line = lineOf(content, placemark);
   for (std::size_t i = 0; i < polygons.size(); ++i) {
-    const pugi::xml_node coordinates =
-        child(child(child(polygons[i], "outerBoundaryIs"), "LinearRing"),
-              "coordinates");
+    const pugi::xml_node coordinates = findElement(
+        findElement(findElement(polygons[i], "outerBoundaryIs", false),
+                    "LinearRing", false),
+        "coordinates", false);
     const Place place{
         path, lineOf(content, coordinates ? coordinates : polygons[i]), ""};
     if (!coordinates) {
@@ -128,7 +107,7 @@ std::vector<SourcedArea> parseKmlAreas(const std::string& path,
          "", std::string("XML: ") + result.description()});
   }
   std::vector<pugi::xml_node> placemarks;
-  collect(document, "Placemark", placemarks);
+  collectElements(document, "Placemark", placemarks);
   std::vector<SourcedArea> areas;
   for (std::size_t i = 0; i < placemarks.size(); ++i) {
     addPlacemark(placemarks[i], static_cast<int>(i) + 1, path, content, areas);
