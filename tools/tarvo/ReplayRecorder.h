@@ -101,8 +101,9 @@ class ReplayRecorder : public TarvoDelegate {
       const OptionalString& runwayName,
       const OptionalString& RunwayID) override;
 
-  // How long one playing of the library's caution sound lasts.
-  static constexpr double kCautionSoundSeconds = 0.42;
+  // How long one playing of the library's caution sound lasts, as the
+  // SDL player plays resources/localcaution.mp3 (make-chime.sh).
+  static constexpr double kCautionSoundSeconds = 0.62;
 
   struct Log;
 
