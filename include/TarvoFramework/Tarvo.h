@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "TarvoFramework/Coordinate.h"
 #include "TarvoFramework/DMPolygon.h"

@@ -134,14 +134,7 @@ bool complete(std::vector<Point>& points, std::size_t i) {
 
 Track parseGpxTrack(const std::string& path, const std::string& content) {
   pugi::xml_document document;
-  const pugi::xml_parse_result result =
-      document.load_buffer(content.data(), content.size());
-  if (!result) {
-    throw InputFailure(
-        {path,
-         text::lineAtOffset(content, static_cast<std::size_t>(result.offset)),
-         "", std::string("XML: ") + result.description()});
-  }
+  loadXml(document, path, content);
   std::vector<pugi::xml_node> nodes;
   collectElements(document, "trkpt", nodes);
   if (nodes.empty()) collectElements(document, "rtept", nodes);

@@ -98,14 +98,7 @@ void addPlacemark(const pugi::xml_node& placemark, int index,
 std::vector<SourcedArea> parseKmlAreas(const std::string& path,
                                        const std::string& content) {
   pugi::xml_document document;
-  const pugi::xml_parse_result result =
-      document.load_buffer(content.data(), content.size());
-  if (!result) {
-    throw InputFailure(
-        {path,
-         text::lineAtOffset(content, static_cast<std::size_t>(result.offset)),
-         "", std::string("XML: ") + result.description()});
-  }
+  loadXml(document, path, content);
   std::vector<pugi::xml_node> placemarks;
   collectElements(document, "Placemark", placemarks);
   std::vector<SourcedArea> areas;

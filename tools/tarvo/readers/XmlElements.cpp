@@ -1,6 +1,20 @@
 #include "readers/XmlElements.h"
 
+#include "readers/ReaderText.h"
+#include "readers/Records.h"
+
 namespace tarvo::cli::detail {
+
+void loadXml(pugi::xml_document& document, const std::string& path,
+             const std::string& content) {
+  const pugi::xml_parse_result result =
+      document.load_buffer(content.data(), content.size());
+  if (result) return;
+  throw InputFailure(
+      {path,
+       text::lineAtOffset(content, static_cast<std::size_t>(result.offset)), "",
+       std::string("XML: ") + result.description()});
+}
 
 std::string localName(const pugi::xml_node& node) {
   std::string name = node.name();

@@ -9,6 +9,11 @@
 
 namespace tarvo::cli::detail {
 
+// Parses content (the text of the file at path) into document. Throws
+// InputFailure naming the file and the line where the XML breaks.
+void loadXml(pugi::xml_document& document, const std::string& path,
+             const std::string& content);
+
 // The element's name without a namespace prefix.
 std::string localName(const pugi::xml_node& node);
 
