@@ -1,13 +1,16 @@
 // The registry: areas in the store, and the in-memory list built from them.
 //
 // The add and remove operations write to the store only; the monitor keeps
-// evaluating the list that the last getPolygons() built.
+// evaluating the list that the last getPolygons() built. Each of them runs
+// its writes as one store transaction (AreaWrite), so an area is stored
+// whole or not at all, whatever interrupts the call.
 #include <cstddef>
 #include <string>
 #include <vector>
 
 #include "TarvoFramework/DBManager.h"
 #include "TarvoFramework/Tarvo.h"
+#include "store/AreaWrite.h"
 
 namespace tarvo {
 namespace {
@@ -45,6 +48,7 @@ void Tarvo::getPolygons() {
 bool Tarvo::addPolygons(const std::string& points,
                         const std::string& forPolygonGUID,
                         const std::string& PolygonName, bool isforceReplace) {
+  const store::AreaWrite write;
   if (isforceReplace) {
     const std::int32_t oldID =
         DBManager::getSharedInstance()->getPolygonIDforGUID(forPolygonGUID);
@@ -71,6 +75,7 @@ bool Tarvo::addPolygons(const std::string& points,
 }
 
 bool Tarvo::removePolygon(const std::string& guid) {
+  const store::AreaWrite write;
   const std::int32_t polygonID =
       DBManager::getSharedInstance()->getPolygonIDforGUID(guid);
   bool isDeleted = DBManager::getSharedInstance()->deletePointsforID(polygonID);
@@ -81,6 +86,7 @@ bool Tarvo::removePolygon(const std::string& guid) {
 }
 
 bool Tarvo::removeAllPolygons() {
+  const store::AreaWrite write;
   if (!DBManager::getSharedInstance()->deleteAllPoints()) return false;
   return DBManager::getSharedInstance()->delteAllPolygons();
 }

@@ -16,6 +16,7 @@
 #include "TarvoFramework/Directories.h"
 #include "TarvoFramework/Log.h"
 #include "store/CoordinateText.h"
+#include "store/StoreConnection.h"
 
 namespace tarvo {
 namespace {
@@ -69,12 +70,28 @@ void logDatabaseError() {
              sqlite3_errmsg(database));
 }
 
+std::uint64_t failedWrites = 0;
+std::uint64_t environmentFailures = 0;
+store::WriteFailure lastFailure;
+
+// Remembers a failed write for the store's extensions; changes nothing the
+// record operations return or log.
+void noteWriteFailure(sqlite3* connection) {
+  ++failedWrites;
+  lastFailure = {sqlite3_errcode(connection) & 0xFF,
+                 connection != nullptr ? sqlite3_errmsg(connection)
+                                       : "the store is not open"};
+  if (store::isEnvironmentFailure(lastFailure.code)) ++environmentFailures;
+}
+
 // Runs an insert or a delete in the shared slot; true on SQLITE_DONE. The
 // compile result is not looked at: a failed compile leaves a null statement,
 // whose step reports misuse.
 bool stepWrite(const std::string& sql) {
   sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, nullptr);
-  return sqlite3_step(statement) == SQLITE_DONE;
+  const bool done = sqlite3_step(statement) == SQLITE_DONE;
+  if (!done) noteWriteFailure(database);
+  return done;
 }
 
 // Compiles a query into a statement of its own; null when it does not
@@ -105,6 +122,48 @@ double columnCoordinate(sqlite3_stmt* query, int column) {
 }
 
 }  // namespace
+
+namespace store {
+
+sqlite3* sharedConnection() {
+  DBManager& store = *DBManager::getSharedInstance();
+  const char* dbpath = store.databasePath.c_str();
+  return openOnDemand(store, dbpath) ? database : nullptr;
+}
+
+std::uint64_t writeFailureCount() { return failedWrites; }
+
+WriteFailure lastWriteFailure() { return lastFailure; }
+
+std::uint64_t environmentFailureCount() { return environmentFailures; }
+
+void reportWriteFailure(sqlite3* connection) {
+  noteWriteFailure(connection);
+  logMessage("Database returned error " + std::to_string(lastFailure.code) +
+             ": " + lastFailure.message);
+}
+
+bool isEnvironmentFailure(int code) {
+  switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_NOMEM:
+    case SQLITE_READONLY:
+    case SQLITE_INTERRUPT:
+    case SQLITE_IOERR:
+    case SQLITE_CORRUPT:
+    case SQLITE_FULL:
+    case SQLITE_CANTOPEN:
+    case SQLITE_PROTOCOL:
+    case SQLITE_NOTADB:
+    case SQLITE_ABORT:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace store
 
 const std::shared_ptr<DBManager>& DBManager::getSharedInstance() {
   // Never destroyed: the store outlives every caller.
