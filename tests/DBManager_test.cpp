@@ -44,7 +44,7 @@ std::vector<std::string> vertices(DBManager& store, int id) {
   return out;
 }
 
-TEST(DBManager, FreshInstallCreatesFileTablesAndVertexIndex) {
+TEST(DBManager, FreshInstallCreatesFileTablesAndIndexes) {
   TempDocuments docs;
   LogCapture log;
   DBManager& store = *DBManager::getSharedInstance();
@@ -60,14 +60,20 @@ TEST(DBManager, FreshInstallCreatesFileTablesAndVertexIndex) {
           "table|polygonPoints|CREATE TABLE polygonPoints (polygonid integer, "
           "latitude text, longitude text)",
           "index|polygonPoints_polygonid|CREATE INDEX polygonPoints_polygonid "
-          "on polygonPoints (polygonid)"}),
+          "on polygonPoints (polygonid)",
+          "index|polygon_polygonguid|CREATE INDEX polygon_polygonguid on "
+          "polygon (polygonguid)"}),
       db.rows("select type, name, sql from sqlite_master order by rowid"));
-  // The vertex query of the store is served by the index.
-  const std::vector<std::string> plan = db.rows(
-      "explain query plan SELECT latitude, longitude FROM polygonPoints where "
-      "polygonid = 7");
-  ASSERT_EQ(1u, plan.size());
-  EXPECT_NE(std::string::npos, plan[0].find("USING INDEX")) << plan[0];
+  // The vertex query and the GUID lookups of the store use the indexes.
+  for (const char* query :
+       {"SELECT latitude, longitude FROM polygonPoints where polygonid = 7",
+        "SELECT polygonid FROM polygon where polygonguid = \"g\"",
+        "SELECT polygonname FROM polygon where polygonguid = \"g\""}) {
+    const std::vector<std::string> plan =
+        db.rows(std::string("explain query plan ") + query);
+    ASSERT_EQ(1u, plan.size());
+    EXPECT_NE(std::string::npos, plan[0].find("USING")) << query << plan[0];
+  }
 
   // Once the file exists, createDB only recomputes the path.
   EXPECT_TRUE(store.createDB());

@@ -35,7 +35,7 @@ struct StoreFinding {
 
 // What checkStore() found. A store is trusted when it is healthy or does
 // not exist yet (a fresh install: the store creates it on first use).
-struct StoreCheckReport {
+struct TARVO_EXPORT StoreCheckReport {
   enum class Status {
     kHealthy,       // readable, intact, every area sound
     kMissing,       // no file yet

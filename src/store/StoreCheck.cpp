@@ -63,8 +63,12 @@ bool forEachRow(sqlite3* c, const char* sql, StoreError& error,
 bool isWritable(const std::filesystem::path& file) {
   const std::filesystem::path dir =
       file.has_parent_path() ? file.parent_path() : ".";
-  // The rollback journal is created beside the file.
-  return access(file.c_str(), W_OK) == 0 && access(dir.c_str(), W_OK) == 0;
+  // The rollback journal is created beside the file; a missing file is
+  // created there too.
+  std::error_code ec;
+  const bool fileOk =
+      !std::filesystem::exists(file, ec) || access(file.c_str(), W_OK) == 0;
+  return fileOk && access(dir.c_str(), W_OK) == 0;
 }
 
 // A stored coordinate must read back as the number it was meant to be.

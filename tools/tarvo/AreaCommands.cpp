@@ -2,14 +2,19 @@
 #include <TarvoFramework/DBManager.h>
 #include <TarvoFramework/Directories.h>
 #include <TarvoFramework/Log.h>
+#include <TarvoFramework/StoreText.h>
+#include <TarvoFramework/StoreWriteBatch.h>
 #include <TarvoFramework/Tarvo.h>
 
+#include <algorithm>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "Commands.h"
+#include "StoreGate.h"
 #include "readers/AreaReader.h"
+#include "readers/ReaderText.h"
 
 namespace tarvo::cli {
 namespace {
@@ -68,47 +73,113 @@ StoreLog::~StoreLog() { setLogSink(nullptr); }
 
 int StoreLog::failures() const { return storeFailureCount(); }
 
+namespace {
+
+struct ImportCounts {
+  std::size_t added = 0, replaced = 0, present = 0;
+};
+
+// Adds every area inside one store transaction: all of them reach the
+// disk, or none does. Throws StoreFailure when the store did not take them.
+ImportCounts addAll(const std::string& path,
+                    const std::vector<AreaRecord>& areas, bool replace,
+                    std::vector<const AreaRecord*>& written) {
+  const auto& store = DBManager::getSharedInstance();
+  const auto& monitor = Tarvo::sharedManager();
+  ImportCounts counts;
+  StoreWriteBatch batch;
+  for (const AreaRecord& area : areas) {
+    if (!batch.ok()) break;
+    const bool existed = store->isPolygonGuidExist(area.guid);
+    if (!monitor->addPolygons(area.points, area.guid, area.name, replace)) {
+      ++counts.present;
+      continue;
+    }
+    ++(existed ? counts.replaced : counts.added);
+    written.push_back(&area);
+  }
+  if (!batch.commit()) {
+    const StoreError error = batch.error();
+    throw StoreFailure(
+        "the store " + store->databasePath + " did not take the areas of " +
+        path + ": " + error.message +
+        (error.sqliteCode != 0
+             ? " (SQLite code " + std::to_string(error.sqliteCode) + ")"
+             : "") +
+        ". Nothing was imported; the store is as it was.");
+  }
+  return counts;
+}
+
+std::size_t vertexCount(const std::string& points) {
+  return points.empty() ? 0 : 1 + std::count(points.begin(), points.end(), ' ');
+}
+
+// Reads back what was written: each area must be stored under its GUID with
+// every vertex of the file.
+void verifyWritten(const std::vector<const AreaRecord*>& written) {
+  const auto& store = DBManager::getSharedInstance();
+  for (const AreaRecord* area : written) {
+    const std::int32_t id = store->getPolygonIDforGUID(area->guid);
+    const std::size_t stored =
+        id == -1 ? 0 : store->getAllPolygonPointsforPolygonID(id)->size();
+    if (id == -1 || stored != vertexCount(area->points)) {
+      throw StoreFailure("after the import, area " + area->guid + " has " +
+                         std::to_string(stored) + " of its " +
+                         std::to_string(vertexCount(area->points)) +
+                         " vertices in the store " + store->databasePath +
+                         "; check it with tarvo list");
+    }
+  }
+}
+
+// A GUID given on the command line goes into the store's SQL as it is.
+void requireStorableGuid(const std::string& command, const std::string& guid) {
+  if (auto why = storeTextProblem(guid)) {
+    throw UsageError(command, "GUID '" + text::printable(guid) + "' " + *why);
+  }
+}
+
+}  // namespace
+
 int runImport(const ParsedArgs& args) {
   const std::string& path = args.positional.front();
   // Everything is read and checked before the store is touched, so a
   // refused file leaves the store as it was.
   const std::vector<AreaRecord> areas = readAreas(path, areaOptions(args));
   applyDataDir(args);
+  requireTrustedStore(StoreUse::kWrite);
   StoreLog log(args.has("verbose"));
   const bool replace = args.has("replace");
-  const auto& store = DBManager::getSharedInstance();
-  const auto& monitor = Tarvo::sharedManager();
-  std::size_t added = 0, replaced = 0, present = 0;
-  for (const AreaRecord& area : areas) {
-    const bool existed = store->isPolygonGuidExist(area.guid);
-    if (!monitor->addPolygons(area.points, area.guid, area.name, replace)) {
-      ++present;
-    } else if (existed) {
-      ++replaced;
-    } else {
-      ++added;
-    }
+  std::vector<const AreaRecord*> written;
+  const ImportCounts counts = addAll(path, areas, replace, written);
+  verifyWritten(written);
+  std::cout << "Imported " << path << " into "
+            << DBManager::getSharedInstance()->databasePath << ": "
+            << plural(areas.size(), "area") << ", " << counts.added << " added";
+  if (replace) std::cout << ", " << counts.replaced << " replaced";
+  std::cout << ", " << counts.present << " already present";
+  if (counts.present > 0 && !replace) {
+    std::cout << " (--replace overwrites them)";
   }
-  std::cout << "Imported " << path << " into " << store->databasePath << ": "
-            << plural(areas.size(), "area") << ", " << added << " added";
-  if (replace) std::cout << ", " << replaced << " replaced";
-  std::cout << ", " << present << " already present";
-  if (present > 0 && !replace) std::cout << " (--replace overwrites them)";
   std::cout << "\n";
-  if (log.failures() > 0) {
-    std::cerr << "tarvo import: the store reported "
-              << plural(log.failures(), "failure") << "\n";
-    return 1;
-  }
   return 0;
 }
 
 int runList(const ParsedArgs& args) {
   applyDataDir(args);
+  const StoreCheckReport report = requireTrustedStore(StoreUse::kRead);
+  const bool json = args.has("json");
+  if (report.status == StoreCheckReport::Status::kMissing) {
+    // Listing must not create a store.
+    std::cerr << "tarvo list: there is no store at " << report.path
+              << " yet (tarvo import creates it)\n";
+    if (!json) std::cout << "0 areas in " << report.path << "\n";
+    return 0;
+  }
   StoreLog log(false);
   const auto& store = DBManager::getSharedInstance();
   const auto polygons = store->getAllPolygons();
-  const bool json = args.has("json");
   for (const auto& polygon : *polygons) {
     const std::string name = polygon->polygonName().value_or("");
     const std::string guid = polygon->polygonGUID().value_or("");
@@ -134,11 +205,18 @@ int runList(const ParsedArgs& args) {
     std::cout << plural(polygons->size(), "area") << " in "
               << store->databasePath << "\n";
   }
+  if (polygons->empty()) {
+    std::cerr << "tarvo list: no areas are stored (tarvo import adds them)\n";
+  }
   return log.failures() > 0 ? 1 : 0;
 }
 
 int runRemove(const ParsedArgs& args) {
+  for (const std::string& guid : args.positional) {
+    requireStorableGuid("remove", guid);
+  }
   applyDataDir(args);
+  requireTrustedStore(StoreUse::kWrite);
   StoreLog log(false);
   const auto& store = DBManager::getSharedInstance();
   int status = 0;
@@ -148,7 +226,8 @@ int runRemove(const ParsedArgs& args) {
     if (!store->isPolygonGuidExist(guid)) {
       std::cerr << "tarvo remove: " << guid << ": no such area\n";
       status = 1;
-    } else if (!Tarvo::sharedManager()->removePolygon(guid)) {
+    } else if (!Tarvo::sharedManager()->removePolygon(guid) ||
+               store->isPolygonGuidExist(guid)) {
       std::cerr << "tarvo remove: " << guid << ": the store failed\n";
       status = 1;
     } else {
@@ -160,10 +239,17 @@ int runRemove(const ParsedArgs& args) {
 
 int runClear(const ParsedArgs& args) {
   applyDataDir(args);
+  const StoreCheckReport report = requireTrustedStore(StoreUse::kWrite);
+  if (report.status == StoreCheckReport::Status::kMissing) {
+    std::cout << "Removed 0 areas (there is no store at " << report.path
+              << ")\n";
+    return 0;
+  }
   StoreLog log(false);
   const auto& store = DBManager::getSharedInstance();
   const std::size_t count = store->getAllPolygons()->size();
-  if (!Tarvo::sharedManager()->removeAllPolygons()) {
+  if (!Tarvo::sharedManager()->removeAllPolygons() ||
+      !store->getAllPolygons()->empty()) {
     std::cerr << "tarvo clear: the store failed\n";
     return 1;
   }

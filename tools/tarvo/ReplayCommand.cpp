@@ -5,7 +5,9 @@
 #include <TarvoFramework/Tarvo.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -17,6 +19,7 @@
 #include "HtmlReport.h"
 #include "IncursionSummary.h"
 #include "ReplayRecorder.h"
+#include "StoreGate.h"
 #include "readers/TrackReader.h"
 
 namespace tarvo::cli {
@@ -100,6 +103,61 @@ FixRecord observe(const Tarvo& monitor, ReplayRecorder& recorder) {
   return r;
 }
 
+// A replay that cannot warn of anything must not look like a quiet one.
+void requireFixes(const ParsedArgs& args, const Track& track) {
+  if (!track.fixes.empty()) return;
+  const std::string& path = args.positional.front();
+  if (args.has("where") && track.skipped.empty()) {
+    throw InputFailure({path, 0, "--where",
+                        "no row has " + *args.value("where") +
+                            "; there is nothing to replay"});
+  }
+  std::string why = "holds no position fixes";
+  if (!track.skipped.empty()) {
+    why += " (" + std::to_string(track.skipped.size()) +
+           " records skipped, the first at line " +
+           std::to_string(track.skipped.front().sourceLine) + ": " +
+           track.skipped.front().reason + ")";
+  }
+  throw InputFailure({path, 0, "", why});
+}
+
+void requireAreas(const StoreCheckReport& report) {
+  if (report.areaCount > 0) return;
+  throw StoreFailure("no areas are stored in " + report.path +
+                     ", so there is nothing to warn about. Import the "
+                     "airport's areas first: tarvo import FILE");
+}
+
+// Whether any fix comes within about `meters` of any area's bounding box.
+bool passesNearAreas(const Track& track, const DMPolygonArray& areas,
+                     double meters) {
+  constexpr double kMetersPerDegree = 111'195.0;
+  for (const auto& area : areas) {
+    const auto& ring = area->polygonPoints();
+    if (!ring || ring->empty()) continue;
+    double south = 90, north = -90, west = 180, east = -180;
+    for (const DMPoint& p : *ring) {
+      south = std::min(south, p.latitude());
+      north = std::max(north, p.latitude());
+      west = std::min(west, p.longitude());
+      east = std::max(east, p.longitude());
+    }
+    const double dLat = meters / kMetersPerDegree;
+    const double cosLat = std::max(
+        0.01,
+        std::cos(std::max(std::fabs(south), std::fabs(north)) * M_PI / 180.0));
+    const double dLon = dLat / cosLat;
+    for (const TrackFix& f : track.fixes) {
+      if (f.latitude >= south - dLat && f.latitude <= north + dLat &&
+          f.longitude >= west - dLon && f.longitude <= east + dLon) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
 void showProgress(std::size_t done, std::size_t total) {
   std::cerr << "\rreplaying fix " << done << "/" << total << std::flush;
 }
@@ -108,6 +166,7 @@ void showProgress(std::size_t done, std::size_t total) {
 
 int runReplay(const ParsedArgs& args) {
   const Track track = readTrack(args.positional.front(), trackOptions(args));
+  requireFixes(args, track);
   double factor = 0.0;  // 0: as fast as possible
   if (args.has("realtime")) {
     const std::string v = args.value("realtime").value_or("");
@@ -116,6 +175,7 @@ int runReplay(const ParsedArgs& args) {
       throw UsageError("replay", "--realtime FACTOR must be above 0");
   }
   applyDataDir(args);
+  requireAreas(requireTrustedStore(StoreUse::kRead));
   StoreLog log(false);
   auto recorder = std::make_shared<ReplayRecorder>();
   recorder->install(factor > 0.0);
@@ -123,9 +183,9 @@ int runReplay(const ParsedArgs& args) {
   monitor->setDelegate(recorder);
   monitor->initializes();
   const AreaIndex areas(monitor->polygons());
-  if (!monitor->polygons() || monitor->polygons()->empty()) {
-    std::cerr
-        << "tarvo replay: warning: no areas are stored (see tarvo import)\n";
+  if (!passesNearAreas(track, *monitor->polygons(), 5000.0)) {
+    std::cerr << "tarvo replay: warning: the track passes no stored area "
+                 "within 5 km; check that the store holds this airport\n";
   }
 
   EventPrinter printer(std::cout, {args.has("json"), args.has("all-notices"),

@@ -1,5 +1,7 @@
 #include "readers/AreaReader.h"
 
+#include <TarvoFramework/StoreText.h>
+
 #include <stdexcept>
 #include <unordered_map>
 
@@ -90,9 +92,15 @@ int checkPointsText(const std::string& points, const Place& place) {
 
 namespace {
 
-const char kQuoteMessage[] =
-    " contains a double quote (\"), which the store cannot hold: it writes "
-    "every text between double quotes";
+// Names and GUIDs are written into the store's SQL between double quotes,
+// unescaped; the library's rule says which texts it would misread.
+void checkStoreText(const Place& place, const char* field, const char* what,
+                    const std::string& value) {
+  if (auto why = storeTextProblem(value)) {
+    place.fail(field, std::string(what) + " '" + text::printable(value) + "' " +
+                          *why + "; the store cannot hold it");
+  }
+}
 
 int vertexCount(const std::string& points) {
   if (points.empty()) return 0;
@@ -111,13 +119,9 @@ void checkAreas(const std::string& path,
     const Place place{path, r.sourceLine, area.label};
     // The name first: a generated GUID contains it.
     if (r.name.empty()) place.fail("name", "empty name");
-    if (r.name.find('"') != std::string::npos) {
-      place.fail("name", "name '" + r.name + "'" + kQuoteMessage);
-    }
+    checkStoreText(place, "name", "name", r.name);
     if (r.guid.empty()) place.fail("guid", "empty GUID");
-    if (r.guid.find('"') != std::string::npos) {
-      place.fail("guid", "GUID '" + r.guid + "'" + kQuoteMessage);
-    }
+    checkStoreText(place, "guid", "GUID", r.guid);
     const std::string here = area.label.empty()
                                  ? "line " + std::to_string(r.sourceLine)
                                  : area.label;
@@ -172,6 +176,11 @@ std::vector<AreaRecord> readAreas(const std::string& path,
     default:
       areas = detail::parseTsvAreas(path, content);
       break;
+  }
+  if (areas.empty()) {
+    throw InputFailure({path, 0, "",
+                        "holds no areas (only polygons become areas: points "
+                        "and lines are skipped)"});
   }
   detail::checkAreas(path, areas);
   std::vector<AreaRecord> records;

@@ -190,4 +190,19 @@ std::string lowerExtension(const std::string& path) {
   return ext;
 }
 
+std::string printable(const std::string& value) {
+  std::string out;
+  for (char c : value) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte < 0x7F) {
+      out += c;
+    } else {
+      char code[5];
+      std::snprintf(code, sizeof code, "\\x%02X", byte);
+      out += code;
+    }
+  }
+  return out;
+}
+
 }  // namespace tarvo::cli::text

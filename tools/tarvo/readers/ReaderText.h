@@ -49,6 +49,11 @@ long long daysFromCivil(long long year, unsigned month, unsigned day);
 // Lower-case extension with its dot (".tsv"), or "" when there is none.
 std::string lowerExtension(const std::string& path);
 
+// The text for an error message: control characters and every byte outside
+// printable ASCII written as \xNN, so that a hostile value can neither
+// garble the terminal nor hide what is wrong with it.
+std::string printable(const std::string& value);
+
 }  // namespace tarvo::cli::text
 
 #endif  // TARVO_TOOLS_READERS_READERTEXT_H_

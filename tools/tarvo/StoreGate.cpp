@@ -1,0 +1,39 @@
+#include "StoreGate.h"
+
+namespace tarvo::cli {
+namespace {
+
+constexpr int kSqliteBusy = 5;  // SQLite's code for a lock held elsewhere
+
+using Status = StoreCheckReport::Status;
+
+std::string advice(const StoreCheckReport& report) {
+  if (report.status == Status::kUnreadable) {
+    return report.error.sqliteCode == kSqliteBusy
+               ? "Close the program that holds it, or wait, and try again."
+               : "Check the path and its permissions, or choose another "
+                 "store with --data-dir.";
+  }
+  return "Nothing was changed. Keep the file for analysis, restore it from a "
+         "backup, or move it aside and import the airport's areas again into "
+         "a new store.";
+}
+
+}  // namespace
+
+StoreCheckReport requireTrustedStore(StoreUse use) {
+  StoreCheckReport report = checkStore();
+  if (!report.trusted()) {
+    std::string message;
+    for (const std::string& line : report.describe()) message += line + "\n  ";
+    throw StoreFailure(message + advice(report));
+  }
+  if (use == StoreUse::kWrite && !report.writable) {
+    throw StoreFailure("the store " + report.path +
+                       " cannot be written (no write permission on the file "
+                       "or its directory). Nothing was changed.");
+  }
+  return report;
+}
+
+}  // namespace tarvo::cli

@@ -1,0 +1,32 @@
+// The tool's check of the store before a command reads or writes it: a
+// store that cannot be opened, read or trusted stops the command with a
+// message that says what is wrong and what to do, and nothing is changed.
+#ifndef TARVO_TOOLS_TARVO_STOREGATE_H_
+#define TARVO_TOOLS_TARVO_STOREGATE_H_
+
+#include <TarvoFramework/StoreCheck.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace tarvo::cli {
+
+// A store the command must not use, or a write that did not reach it.
+// what() is the whole message, possibly several lines; main() prints it
+// after "tarvo COMMAND: " and exits with status 1.
+class StoreFailure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+enum class StoreUse { kRead, kWrite };
+
+// Checks the store in the documents directory (after --data-dir took
+// effect). Throws StoreFailure when it cannot be read or trusted, or, for
+// kWrite, cannot be written. A store that does not exist yet passes: reads
+// find no areas and the first write creates it.
+StoreCheckReport requireTrustedStore(StoreUse use);
+
+}  // namespace tarvo::cli
+
+#endif  // TARVO_TOOLS_TARVO_STOREGATE_H_
