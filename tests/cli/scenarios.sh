@@ -52,6 +52,90 @@ case "$scenario" in
     check 0 '^Removed 58 areas' -- "$tool" clear "${store[@]}"
     check 0 '^0 areas in' -- "$tool" list "${store[@]}"
     ;;
+  untrusted_store)
+    # Every command stops on a store it cannot trust, says why, exits 1 and
+    # leaves the file as it was.
+    "$tool" import "$areas" "${store[@]}" > /dev/null
+    good="$work/store/Polygon.db"
+    track="$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv"
+    where=(--where segment=KMSP-4-taxi-out-takeoff)
+    make_store() {  # make_store KIND DIR: a copy of the good store, spoilt
+      mkdir -p "$2"; cp "$good" "$2/Polygon.db"; local db="$2/Polygon.db"
+      case "$1" in
+        damaged_pages) dd if=/dev/urandom of="$db" bs=4096 seek=3 count=1 conv=notrunc status=none ;;
+        damaged_header) printf 'XXXXXXXXXXXXXXXX' | dd of="$db" conv=notrunc status=none ;;
+        truncated) truncate -s 5000 "$db" ;;
+        not_a_database) echo "hello" > "$db" ;;
+        directory) rm "$db"; mkdir "$db" ;;
+        half_written) sqlite3 "$db" "delete from polygonPoints where rowid in (select rowid from polygonPoints where polygonid = 3 limit 2)" ;;
+        misread_guid) sqlite3 "$db" "update polygon set polygonguid = 'PolygonGuid' where polygonid = 5" ;;
+      esac
+    }
+    declare -A reason=(
+      [damaged_pages]='is damaged' [damaged_header]='file is not a database \(SQLite code 26\)'
+      [truncated]='is damaged' [not_a_database]='file is not a database'
+      [directory]='it is a directory' [half_written]='area #3 .* has 2 vertices'
+      [misread_guid]='area #5: its GUID is a column name')
+    for kind in "${!reason[@]}"; do
+      dir="$work/$kind"; make_store "$kind" "$dir"
+      before=$(find "$dir" -type f -exec sha256sum {} + | sort)
+      check 1 "${reason[$kind]}" -- "$tool" list --data-dir "$dir"
+      check 1 "${reason[$kind]}" -- "$tool" replay "$track" "${where[@]}" --data-dir "$dir"
+      check 1 "${reason[$kind]}" -- "$tool" import "$areas" --replace --data-dir "$dir"
+      check 1 "${reason[$kind]}" -- "$tool" clear --data-dir "$dir"
+      after=$(find "$dir" -type f -exec sha256sum {} + | sort)
+      [[ "$before" == "$after" ]] || { echo "FAIL: $kind: the store changed"; ((failures++)); }
+    done
+    # A lock held by another program: reported as such, after a short wait.
+    sqlite3 "$good" "BEGIN EXCLUSIVE; DELETE FROM polygonPoints;" ".shell sleep 5" "ROLLBACK;" &
+    sleep 0.5
+    check 1 'database is locked \(SQLite code 5\); another program holds a lock' -- "$tool" list "${store[@]}"
+    wait
+    check 0 '^59 areas in' -- "$tool" list "${store[@]}"
+    ;;
+  hostile_input)
+    # Names and GUIDs the store's SQL would misread are refused at the door.
+    printf 'guid\tname\tpoints\nA\tRWY A\t1,1 2,1 2,2\npolygonGUID\tRWY B\t1,1 2,1 2,2\n' > "$work/guid.tsv"
+    printf 'guid\tname\tpoints\nA\tRWY \001A\t1,1 2,1 2,2\n' > "$work/control.tsv"
+    printf 'guid\tname\tpoints\nA\tRWY \377\t1,1 2,1 2,2\n' > "$work/utf8.tsv"
+    "$tool" import "$fixtures/test-areas.tsv" "${store[@]}" > /dev/null
+    check 1 'guid.tsv:3: guid: GUID .polygonGUID. is a column name' -- "$tool" import "$work/guid.tsv" "${store[@]}" --replace
+    check 1 'control.tsv:2: name: name .RWY \\x01A. contains the control character 0x01' -- "$tool" import "$work/control.tsv" "${store[@]}"
+    check 1 'utf8.tsv:2: name: .*not valid UTF-8' -- "$tool" import "$work/utf8.tsv" "${store[@]}"
+    check 2 "GUID 'polygonguid' is a column name" -- "$tool" remove polygonguid "${store[@]}"
+    check 0 '^2 areas in' -- "$tool" list "${store[@]}"
+    ;;
+  empty_results)
+    # Nothing to warn about is said, and is not a success.
+    track="$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv"
+    check 1 'no areas are stored in .*tarvo import' -- "$tool" replay "$track" --where segment=KMSP-1-landing-taxi-in "${store[@]}"
+    check 0 'there is no store at .* yet' -- "$tool" list "${store[@]}"
+    [[ ! -e "$work/store/Polygon.db" ]] || { echo "FAIL: list created a store"; ((failures++)); }
+    "$tool" import "$areas" "${store[@]}" > /dev/null
+    check 1 'kmsp-kden-tracks.csv: --where: no row has segment=NOPE' -- "$tool" replay "$track" --where segment=NOPE "${store[@]}"
+    printf 'latitude,longitude,ground_speed_kmh,track_deg_true\n' > "$work/empty.csv"
+    check 1 'empty.csv: holds no position fixes' -- "$tool" replay "$work/empty.csv" "${store[@]}"
+    printf 'latitude,longitude,ground_speed_kmh,track_deg_true\n47.45,8.56,20,90\n' > "$work/far.csv"
+    check 0 'warning: the track passes no stored area within 5 km' -- "$tool" replay "$work/far.csv" "${store[@]}"
+    printf '{"type":"FeatureCollection","features":[{"type":"Feature","properties":{"name":"x","id":"y"},"geometry":{"type":"LineString","coordinates":[[1,1],[2,2]]}}]}' > "$work/lines.geojson"
+    check 1 'lines.geojson: holds no areas \(only polygons' -- "$tool" import "$work/lines.geojson" "${store[@]}"
+    ;;
+  full_disk)
+    # A real full file system: a small tmpfs (needs the right to mount).
+    mkdir -p "$work/disk"
+    mount -t tmpfs -o size=160k tmpfs "$work/disk" 2>/dev/null || { echo "cannot mount a tmpfs here: skipped"; exit 77; }
+    trap 'umount "$work/disk"' EXIT
+    disk=(--data-dir "$work/disk")
+    check 0 '2 areas, 2 added' -- "$tool" import "$fixtures/test-areas.tsv" "${disk[@]}"
+    before=$(sha256sum "$work/disk/Polygon.db")
+    awk 'BEGIN { print "guid\tname\tpoints"; for (i = 0; i < 3000; i++) {
+      printf "A%d\tArea %d\t", i, i
+      for (v = 0; v < 10; v++) printf "%s%.6f,%.6f", v ? " " : "", 8 + v / 1000, 47 + (v % 3) / 1000
+      print "" } }' > "$work/big.tsv"
+    check 1 'did not take the areas .*database or disk is full \(SQLite code 13\)\. Nothing was imported' -- "$tool" import "$work/big.tsv" "${disk[@]}"
+    [[ "$before" == "$(sha256sum "$work/disk/Polygon.db")" ]] || { echo "FAIL: the store changed"; ((failures++)); }
+    check 0 '^2 areas in' -- "$tool" list "${disk[@]}"
+    ;;
   *) echo "unknown scenario $scenario"; exit 2 ;;
 esac
 ((failures == 0)) || { echo "$failures check(s) failed"; exit 1; }

@@ -1,0 +1,184 @@
+// The store check on files damaged, locked or written wrongly in every way
+// a user has met: each case says what checkStore() must report, and the
+// check must leave the file exactly as it was.
+#include <TarvoFramework/StoreCheck.h>
+#include <sys/stat.h>
+
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+#include "store/StoreTestSupport.h"
+
+namespace {
+
+using storetest::Db;
+using storetest::fs::path;
+using Status = tarvo::StoreCheckReport::Status;
+using Kind = tarvo::StoreFinding::Kind;
+
+// A sound store of `areas` 4-vertex areas, written through SQLite itself.
+void writeHealthyStore(const path& file, int areas = 1) {
+  Db db(file);
+  storetest::createTables(db);
+  db.exec("begin");
+  for (int id = 1; id <= areas; ++id) {
+    const std::string i = std::to_string(id);
+    db.exec("insert into polygon values (" + i + ", 'RWY " + i + "', 'g" + i +
+            "')");
+    for (const char* v : {"('50.0', '10.0')", "('50.0', '10.1')",
+                          "('50.1', '10.1')", "('50.1', '10.0')"}) {
+      db.exec(
+          "insert into polygonPoints (polygonid, latitude, longitude) "
+          "select " +
+          i + ", * from (values " + v + ")");
+    }
+  }
+  db.exec("commit");
+}
+
+void overwrite(const path& file, std::streamoff at, const std::string& bytes) {
+  std::fstream f(file, std::ios::in | std::ios::out | std::ios::binary);
+  f.seekp(at);
+  f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string contents(const path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST(StoreCheck, TellsAReadableStoreFromADamagedOrUnreadableOne) {
+  struct Case {
+    const char* what;
+    std::function<void(const path&)> make;
+    Status status;
+    int sqliteCode;           // expected error code; -1: not looked at
+    const char* findingText;  // a kIntegrity finding contains it; "" none
+  };
+  const Case kCases[] = {
+      {"no file yet", [](const path&) {}, Status::kMissing, 0, ""},
+      {"sound store", [](const path& f) { writeHealthyStore(f); },
+       Status::kHealthy, 0, ""},
+      {"a directory", [](const path& f) { storetest::fs::create_directory(f); },
+       Status::kUnreadable, SQLITE_CANTOPEN, ""},
+      {"not a database", [](const path& f) { std::ofstream(f) << "hello\n"; },
+       Status::kUnreadable, SQLITE_NOTADB, ""},
+      {"empty file", [](const path& f) { std::ofstream{f}; }, Status::kDamaged,
+       -1, "table polygon is missing"},
+      {"damaged header",
+       [](const path& f) {
+         writeHealthyStore(f);
+         overwrite(f, 0, std::string(16, 'X'));
+       },
+       Status::kUnreadable, SQLITE_NOTADB, ""},
+      {"truncated",
+       [](const path& f) {
+         writeHealthyStore(f, 300);
+         storetest::fs::resize_file(f, 5000);
+       },
+       Status::kDamaged, -1, ""},
+      {"damaged pages",
+       [](const path& f) {
+         writeHealthyStore(f, 300);
+         overwrite(f, 3 * 4096, std::string(4096, '\xff'));
+       },
+       Status::kDamaged, -1, ""},
+  };
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(c.what);
+    storetest::TempDir dir;
+    const path file = dir.path() / "Polygon.db";
+    c.make(file);
+    const std::string before =
+        storetest::fs::is_regular_file(file) ? contents(file) : "";
+
+    const tarvo::StoreCheckReport r = tarvo::checkStoreFile(file.string());
+    EXPECT_EQ(c.status, r.status);
+    EXPECT_EQ(c.status == Status::kHealthy || c.status == Status::kMissing,
+              r.trusted());
+    if (c.sqliteCode >= 0) {
+      EXPECT_EQ(c.sqliteCode, r.error.sqliteCode);
+    }
+    if (c.status == Status::kDamaged) {
+      ASSERT_FALSE(r.findings.empty());
+      EXPECT_EQ(Kind::kIntegrity, r.findings[0].kind);
+      EXPECT_NE(std::string::npos, r.findings[0].detail.find(c.findingText))
+          << r.findings[0].detail;
+    }
+    EXPECT_EQ(r.trusted(), r.describe().empty());
+    // The check writes nothing, and creates no file where there was none.
+    EXPECT_EQ(c.status != Status::kMissing, storetest::fs::exists(file));
+    if (storetest::fs::is_regular_file(file)) {
+      EXPECT_EQ(before, contents(file));
+    }
+  }
+}
+
+TEST(StoreCheck, ReportsALockHeldByAnotherConnection) {
+  storetest::TempDir dir;
+  const path file = dir.path() / "Polygon.db";
+  writeHealthyStore(file);
+  Db other(file);
+  other.exec("begin exclusive; delete from polygonPoints");
+  const tarvo::StoreCheckReport r = tarvo::checkStoreFile(file.string(), 50);
+  EXPECT_EQ(Status::kUnreadable, r.status);
+  EXPECT_EQ(SQLITE_BUSY, r.error.sqliteCode);
+  other.exec("rollback");
+  EXPECT_EQ(Status::kHealthy, tarvo::checkStoreFile(file.string()).status);
+}
+
+TEST(StoreCheck, ReadOnlyStoreIsTrustedButNotWritable) {
+  storetest::TempDir dir;
+  const path file = dir.path() / "Polygon.db";
+  writeHealthyStore(file);
+  EXPECT_TRUE(tarvo::checkStoreFile(file.string()).writable);
+  chmod(file.c_str(), 0444);
+  const tarvo::StoreCheckReport r = tarvo::checkStoreFile(file.string());
+  EXPECT_TRUE(r.trusted());
+  // root may write anyway; the answer must then say so.
+  EXPECT_EQ(access(file.c_str(), W_OK) == 0, r.writable);
+}
+
+TEST(StoreCheck, FindsEveryAreaThatCannotBeTrusted) {
+  storetest::TempDocuments docs;
+  writeHealthyStore(docs.database(), 2);
+  {
+    Db db(docs.database());
+    db.exec(
+        "insert into polygon values (3, 'short', 'g3');"
+        "insert into polygonPoints values (3, '1', '1'), (3, '2', '2');"
+        "insert into polygonPoints values (-1, '1', '1'), (-1, '2', '2');"
+        "insert into polygon values (4, 'copy', 'g1');"
+        "insert into polygon values (5, 'x', 'PolygonGUID');"
+        "insert into polygon values (6, 'tab' || char(9), 'g6');"
+        "insert into polygonPoints select 4, latitude, longitude from "
+        "polygonPoints where polygonid = 1;"
+        "insert into polygonPoints select id, '50', '10' from (select 5 as id "
+        "union all select 5 union all select 5 union all select 6 union all "
+        "select 6 union all select 6);"
+        "update polygonPoints set latitude = '12.5abc' where rowid = 2;");
+  }
+  const tarvo::StoreCheckReport r = tarvo::checkStore();
+  EXPECT_EQ(Status::kInconsistent, r.status);
+  EXPECT_EQ(6, r.areaCount);
+  struct Expected {
+    Kind kind;
+    std::int32_t id;
+    std::int64_t count;
+  };
+  const Expected kExpected[] = {
+      {Kind::kShortArea, 3, 2},     {Kind::kOrphanVertices, -1, 2},
+      {Kind::kDuplicateGuid, 1, 2}, {Kind::kMisreadText, 5, 0},
+      {Kind::kMisreadText, 6, 0},   {Kind::kBadCoordinate, 1, 1},
+  };
+  ASSERT_EQ(std::size(kExpected), r.findings.size());
+  for (std::size_t i = 0; i < r.findings.size(); ++i) {
+    SCOPED_TRACE(r.describe()[i + 1]);
+    EXPECT_EQ(kExpected[i].kind, r.findings[i].kind);
+    EXPECT_EQ(kExpected[i].id, r.findings[i].polygonID);
+    EXPECT_EQ(kExpected[i].count, r.findings[i].count);
+  }
+}
+
+}  // namespace
