@@ -4,6 +4,7 @@
 #define TARVO_SRC_STORE_AREAWRITE_H_
 
 #include <cstdint>
+#include <optional>
 
 #include "store/Savepoint.h"
 #include "store/StoreConnection.h"
@@ -16,21 +17,27 @@ namespace tarvo::store {
 // full disk never leaves an area with only some of its vertices. A
 // statement that failed for its own text (it did not compile) keeps the
 // result the registry has always given: the other writes stay.
+//
+// Inside a write batch the batch's transaction already makes the call
+// whole or absent, so no savepoint of its own is opened.
 class AreaWrite {
  public:
-  AreaWrite() = default;
+  AreaWrite() {
+    if (!Savepoint::anyOpen()) savepoint_.emplace("tarvo_area_write");
+  }
   ~AreaWrite() {
+    if (!savepoint_) return;
     if (environmentFailureCount() != environmentFailuresBefore_) {
-      savepoint_.rollback();
+      savepoint_->rollback();
     } else {
-      savepoint_.release();
+      savepoint_->release();
     }
   }
   AreaWrite(const AreaWrite&) = delete;
   AreaWrite& operator=(const AreaWrite&) = delete;
 
  private:
-  Savepoint savepoint_{"tarvo_area_write"};
+  std::optional<Savepoint> savepoint_;
   std::uint64_t environmentFailuresBefore_ = environmentFailureCount();
 };
 

@@ -9,13 +9,24 @@ namespace {
 
 int openSavepoints = 0;
 
-// Installed while a savepoint is open: no statement may run on its own
-// (autocommit) once SQLite has rolled the transaction back.
+// While a savepoint is open, no statement may run on its own (autocommit)
+// once SQLite has rolled the transaction back.
 int refuseOutsideTransaction(void* connection, int, const char*, const char*,
                              const char*, const char*) {
-  return sqlite3_get_autocommit(static_cast<sqlite3*>(connection)) != 0
+  return openSavepoints > 0 &&
+                 sqlite3_get_autocommit(static_cast<sqlite3*>(connection)) != 0
              ? SQLITE_DENY
              : SQLITE_OK;
+}
+
+// Installed once per connection: installing an authorizer expires every
+// prepared statement of the connection, and the store keeps all of its
+// statements, so doing it per savepoint would cost more with every write.
+void guardConnection(sqlite3* connection) {
+  static sqlite3* guarded = nullptr;
+  if (guarded == connection) return;
+  sqlite3_set_authorizer(connection, refuseOutsideTransaction, connection);
+  guarded = connection;
 }
 
 bool execute(sqlite3* connection, const std::string& sql) {
@@ -31,15 +42,16 @@ Savepoint::Savepoint(const char* name) : name_(name) {
   // A nested savepoint needs the outer transaction to be alive.
   if (openSavepoints > 0 && sqlite3_get_autocommit(connection) != 0) return;
   if (!execute(connection, std::string("SAVEPOINT ") + name_)) return;
+  guardConnection(connection);
   connection_ = connection;
-  if (openSavepoints++ == 0) {
-    sqlite3_set_authorizer(connection_, refuseOutsideTransaction, connection_);
-  }
+  ++openSavepoints;
 }
 
 Savepoint::~Savepoint() {
   if (active()) rollback();
 }
+
+bool Savepoint::anyOpen() { return openSavepoints > 0; }
 
 bool Savepoint::intact() const {
   return active() && sqlite3_get_autocommit(connection_) == 0;
@@ -71,9 +83,7 @@ void Savepoint::rollback() {
 }
 
 void Savepoint::finish() {
-  if (--openSavepoints == 0) {
-    sqlite3_set_authorizer(connection_, nullptr, nullptr);
-  }
+  --openSavepoints;
   connection_ = nullptr;
 }
 

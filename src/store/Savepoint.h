@@ -34,6 +34,10 @@ class Savepoint {
 
   bool active() const { return connection_ != nullptr; }
 
+  // Whether any savepoint is open, that is, whether writes now go into a
+  // transaction that is kept or dropped as a whole.
+  static bool anyOpen();
+
   // Whether the transaction is still open (SQLite has not rolled it back).
   bool intact() const;
 
