@@ -24,8 +24,10 @@ namespace tarvo {
 // on first use and never closed; its statements are never finalized. Values
 // are spliced into the SQL between double quotes, unescaped: a name, GUID or
 // coordinate text containing a double quote breaks the statement (the insert
-// then fails and is logged; a query finds nothing). Hosts must refuse such
-// text before it gets here.
+// then fails and is logged; a query finds nothing), and a GUID that names a
+// column is read as that column. Hosts refuse such text with
+// storeTextProblem() (StoreText.h), which lists what an unchecked value can
+// do. checkStore() (StoreCheck.h) tells whether a store can be trusted.
 //
 // Failures are results and log lines (Log.h), never exceptions: inserts log
 // their SQL text, and "Database returned error %d: %s" when they fail.

@@ -78,14 +78,20 @@ class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
   // as numbers later (a text that is no number reads as 0). With
   // isforceReplace, an area already stored under the GUID is deleted first.
   // Returns false only when the GUID is (still) stored; true otherwise, also
-  // when the store failed to write (see the log). A name or GUID with a
-  // double quote breaks the store's SQL: refuse such input before calling.
+  // when the store failed to write (see the log, or group the call in a
+  // StoreWriteBatch, whose commit() tells). The writes are one transaction:
+  // the area is stored whole or, after a disk or file failure (full disk,
+  // I/O error, lock), not at all; a kill mid-call leaves it absent. Refuse
+  // names and GUIDs for which storeTextProblem() (StoreText.h) gives a
+  // reason before calling: the store's SQL misreads them.
   // The change reaches the monitoring only after getPolygons().
   bool addPolygons(const std::string& points, const std::string& forPolygonGUID,
                    const std::string& PolygonName, bool isforceReplace);
 
-  // Deletes the area stored under the GUID (an unknown GUID succeeds).
-  // Returns false when the store failed. Takes effect after getPolygons().
+  // Deletes the area stored under the GUID (an unknown GUID succeeds), its
+  // vertices and its row in one transaction. Returns false when the store
+  // failed. Takes effect after getPolygons(). A GUID that names a store
+  // column (storeTextProblem()) matches every area.
   bool removePolygon(const std::string& guid);
 
   // Deletes every area. Returns false when the store failed. Takes effect
