@@ -135,6 +135,14 @@ case "$scenario" in
     check 1 'did not take the areas .*database or disk is full \(SQLite code 13\)\. Nothing was imported' -- "$tool" import "$work/big.tsv" "${disk[@]}"
     [[ "$before" == "$(sha256sum "$work/disk/Polygon.db")" ]] || { echo "FAIL: the store changed"; ((failures++)); }
     check 0 '^2 areas in' -- "$tool" list "${disk[@]}"
+    # The same store on a file system mounted read-only: readable, and every
+    # write refused before it starts (root may ignore file permissions, a
+    # read-only mount holds for everybody).
+    mount -o remount,ro "$work/disk"
+    check 0 '^2 areas in' -- "$tool" list "${disk[@]}"
+    check 1 'cannot be written .*Nothing was changed' -- "$tool" import "$fixtures/test-areas.tsv" --replace "${disk[@]}"
+    check 1 'cannot be written' -- "$tool" clear "${disk[@]}"
+    check 1 'cannot be written' -- "$tool" remove T-RWY "${disk[@]}"
     ;;
   *) echo "unknown scenario $scenario"; exit 2 ;;
 esac
