@@ -47,9 +47,16 @@ struct TARVO_EXPORT StoreCheckReport {
     kInconsistent,  // intact, but some areas are not sound (findings)
   };
   Status status = Status::kMissing;
-  std::string path;              // the file checked
-  StoreError error;              // kUnreadable (and a read failing midway)
-  bool writable = false;         // the file and its directory can be written
+  std::string path;       // the file checked
+  StoreError error;       // kUnreadable (and a read failing midway)
+  bool writable = false;  // the file and its directory can be written
+  // False only for a database read in full that has no table at all (true
+  // when that could not be read): an empty file, or one
+  // whose first creation was interrupted. The store takes such a file as
+  // it is and never creates the tables in it (every write then fails), but
+  // it holds nothing: a host may delete it before the store's first use,
+  // and the store then makes it anew.
+  bool hasTables = true;
   std::int64_t areaCount = 0;    // rows of the area table
   std::int64_t vertexCount = 0;  // rows of the vertex table
   std::vector<StoreFinding> findings;

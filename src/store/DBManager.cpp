@@ -206,6 +206,10 @@ bool DBManager::createDB() {
   keepReachable(database);
   if (sqlite3_open(dbpath, &database) != SQLITE_OK) return isSuccess;
 
+  // One transaction for the tables and indexes, so that a kill while the
+  // file is being made leaves either all of them or an empty file, never a
+  // store with one table. The statements and their results are as before.
+  sqlite3_exec(database, "BEGIN", nullptr, nullptr, nullptr);
   char* errMsg = nullptr;  // handed out by SQLite and never freed
   if (sqlite3_exec(database, kCreatePolygonTable, nullptr, nullptr, &errMsg) !=
       SQLITE_OK) {
@@ -224,6 +228,7 @@ bool DBManager::createDB() {
   // failure is neither logged nor part of the result.
   sqlite3_exec(database, kCreatePointsIndex, nullptr, nullptr, nullptr);
   sqlite3_exec(database, kCreateGuidIndex, nullptr, nullptr, nullptr);
+  sqlite3_exec(database, "COMMIT", nullptr, nullptr, nullptr);
   return isSuccess;
 }
 

@@ -110,13 +110,16 @@ class Checker {
 
   bool readSchema() {
     bool polygon = false, points = false;
+    int tables = 0;
     if (!forEachRow(c_, "SELECT name FROM sqlite_master WHERE type = 'table'",
                     r_.error, [&](sqlite3_stmt* s) {
+                      ++tables;
                       polygon |= text(s, 0) == "polygon";
                       points |= text(s, 0) == "polygonPoints";
                     })) {
       return failed(Status::kUnreadable);
     }
+    r_.hasTables = tables > 0;  // known only once the schema was read
     for (auto [present, name] :
          {std::pair{polygon, "polygon"}, std::pair{points, "polygonPoints"}}) {
       if (!present) {

@@ -118,6 +118,11 @@ case "$scenario" in
     printf 'latitude,longitude,ground_speed_kmh,track_deg_true\n47.45,8.56,20,90\n' > "$work/far.csv"
     check 0 'warning: the track passes no stored area within 5 km' -- "$tool" replay "$work/far.csv" "${store[@]}"
     printf '{"type":"FeatureCollection","features":[{"type":"Feature","properties":{"name":"x","id":"y"},"geometry":{"type":"LineString","coordinates":[[1,1],[2,2]]}}]}' > "$work/lines.geojson"
+    # A store file without tables (its creation was killed) holds nothing:
+    # import makes it anew instead of failing on it forever.
+    mkdir -p "$work/empty" && : > "$work/empty/Polygon.db"
+    check 0 'held no tables \(its creation was interrupted\); it is made anew' -- "$tool" import "$fixtures/test-areas.tsv" --data-dir "$work/empty"
+    check 0 '^2 areas in' -- "$tool" list --data-dir "$work/empty"
     check 1 'lines.geojson: holds no areas \(only polygons' -- "$tool" import "$work/lines.geojson" "${store[@]}"
     ;;
   full_disk)

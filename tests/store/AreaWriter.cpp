@@ -7,6 +7,7 @@
 //                              host would, printing "area I" as it goes
 #include <TarvoFramework/Directories.h>
 #include <TarvoFramework/Log.h>
+#include <TarvoFramework/StoreCheck.h>
 #include <TarvoFramework/Tarvo.h>
 
 #include <cstdio>
@@ -40,6 +41,13 @@ int main(int argc, char** argv) {
   }
   if (mode == "--store" && argc == 4) {
     tarvo::setDocumentsDirectory(argv[2]);
+    // What a host does at start-up: a store without tables (killed while it
+    // was being made) holds nothing and is made anew.
+    const tarvo::StoreCheckReport report = tarvo::checkStore();
+    if (report.status == tarvo::StoreCheckReport::Status::kDamaged &&
+        !report.hasTables) {
+      std::remove(report.path.c_str());
+    }
     tarvo::setLogSink([](const std::string&) {});
     const auto& monitor = tarvo::Tarvo::sharedManager();
     for (int i = 0, n = std::atoi(argv[3]); i < n; ++i) {

@@ -107,6 +107,8 @@ TEST(StoreCheck, TellsAReadableStoreFromADamagedOrUnreadableOne) {
           << r.findings[0].detail;
     }
     EXPECT_EQ(r.trusted(), r.describe().empty());
+    // Only a file known to hold nothing may be made anew.
+    EXPECT_EQ(std::string(c.what) != "empty file", r.hasTables);
     // The check writes nothing, and creates no file where there was none.
     EXPECT_EQ(c.status != Status::kMissing, storetest::fs::exists(file));
     if (storetest::fs::is_regular_file(file)) {

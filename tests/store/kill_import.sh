@@ -18,6 +18,11 @@ verify() {
   local db="$1/Polygon.db" what="$2"
   [[ -f "$db" ]] || { echo "$what: no store yet"; return; }
   local integrity wrong orphans count
+  if [[ -z "$(sqlite3 "$db" "SELECT name FROM sqlite_master")" ]]; then
+    # Killed while the file was being made: it holds nothing, and the next
+    # writer makes it anew.
+    echo "$what: an empty store (killed while creating it)"; return
+  fi
   integrity=$(sqlite3 "$db" "PRAGMA integrity_check")
   wrong=$(sqlite3 "$db" "SELECT count(*) FROM (SELECT p.polygonguid AS g,
     count(v.rowid) AS c FROM polygon p LEFT JOIN polygonPoints v

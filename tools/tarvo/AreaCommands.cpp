@@ -148,6 +148,7 @@ int runImport(const ParsedArgs& args) {
   // refused file leaves the store as it was.
   const std::vector<AreaRecord> areas = readAreas(path, areaOptions(args));
   applyDataDir(args);
+  replaceEmptyStore();
   requireTrustedStore(StoreUse::kWrite);
   StoreLog log(args.has("verbose"));
   const bool replace = args.has("replace");

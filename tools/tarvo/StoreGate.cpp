@@ -1,5 +1,9 @@
 #include "StoreGate.h"
 
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+
 namespace tarvo::cli {
 namespace {
 
@@ -34,6 +38,20 @@ StoreCheckReport requireTrustedStore(StoreUse use) {
                        "or its directory). Nothing was changed.");
   }
   return report;
+}
+
+void replaceEmptyStore() {
+  const StoreCheckReport report = checkStore();
+  if (report.status != Status::kDamaged || report.hasTables) return;
+  std::error_code ec;
+  if (!std::filesystem::remove(report.path, ec) || ec) {
+    throw StoreFailure(
+        "the store " + report.path +
+        " holds no tables and cannot be removed: " + ec.message());
+  }
+  std::cerr << "tarvo: the store " << report.path
+            << " held no tables (its creation was interrupted); it is made "
+               "anew\n";
 }
 
 }  // namespace tarvo::cli

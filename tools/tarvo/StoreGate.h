@@ -27,6 +27,12 @@ enum class StoreUse { kRead, kWrite };
 // find no areas and the first write creates it.
 StoreCheckReport requireTrustedStore(StoreUse use);
 
+// A store file without any table (empty, or its first creation was
+// interrupted) holds nothing, yet the store would never make its tables:
+// removes it, saying so on standard error, so that the next write creates
+// the store anew. Must run before anything touches the store.
+void replaceEmptyStore();
+
 }  // namespace tarvo::cli
 
 #endif  // TARVO_TOOLS_TARVO_STOREGATE_H_
