@@ -12,11 +12,23 @@ target_compile_options(tarvo_build_flags INTERFACE
   $<$<CXX_COMPILER_ID:GNU>:-fno-tree-slp-vectorize>
   $<$<BOOL:${TARVO_WERROR}>:-Werror>)
 
-if(TARVO_SANITIZE)
+# TARVO_SANITIZE picks the sanitizers. Every target of the build must carry
+# the same ones: an executable linking a sanitized shared library needs the
+# runtime itself (clang never links it into shared libraries).
+string(TOLOWER "${TARVO_SANITIZE}" tarvo_sanitize)
+if(tarvo_sanitize STREQUAL "thread")
+  set(TARVO_SANITIZE_FLAGS -fsanitize=thread -fno-omit-frame-pointer)
+elseif(tarvo_sanitize STREQUAL "address" OR
+       tarvo_sanitize MATCHES "^(on|yes|true|y|1)$")
   # No float-divide-by-zero: the crossing test divides by zero on purpose for
   # edges that run along a meridian, and relies on the IEEE result.
   set(TARVO_SANITIZE_FLAGS -fsanitize=address,undefined -fno-sanitize-recover=all
       -fno-omit-frame-pointer)
+elseif(TARVO_SANITIZE)
+  message(FATAL_ERROR
+    "TARVO_SANITIZE=${TARVO_SANITIZE}: expected OFF, ON, address or thread")
+endif()
+if(TARVO_SANITIZE_FLAGS)
   target_compile_options(tarvo_build_flags INTERFACE ${TARVO_SANITIZE_FLAGS})
   target_link_options(tarvo_build_flags INTERFACE ${TARVO_SANITIZE_FLAGS})
 endif()

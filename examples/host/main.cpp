@@ -1,13 +1,25 @@
 // A minimal host app: registers a runway, hands the monitor a short taxi
 // track across it and prints what it hears and the look-ahead points.
 //
+// The fixes come from a reader thread, as they would from a GPS receiver.
+// That thread only reads: it passes each fix to the main thread, which is
+// the only thread that talks to the library. It hands the fix in and then
+// runs the main queue's sound tasks, which read the monitor's state; doing
+// either on another thread would race with the other.
+//
 // Usage: tarvo-example-host [DATA_DIR]   (the areas are stored in DATA_DIR;
 // by default the library's own documents directory)
 #include <TarvoFramework/TarvoFramework.h>
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
+#include <deque>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -26,6 +38,57 @@ class PrintingDelegate : public tarvo::TarvoDelegate {
                 name.value_or("").c_str());
   }
 };
+
+struct Fix {
+  double latitude, longitude, speedKmh, headingDeg;
+};
+
+// Carries fixes from the reader thread to the main thread.
+class FixQueue {
+ public:
+  void push(const Fix& fix) {
+    {
+      std::lock_guard<std::mutex> lock(mutex_);
+      fixes_.push_back(fix);
+    }
+    ready_.notify_one();
+  }
+
+  // No more fixes will come.
+  void close() {
+    {
+      std::lock_guard<std::mutex> lock(mutex_);
+      closed_ = true;
+    }
+    ready_.notify_one();
+  }
+
+  // Waits for the next fix; nothing once closed and emptied.
+  std::optional<Fix> pop() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    ready_.wait(lock, [this] { return closed_ || !fixes_.empty(); });
+    if (fixes_.empty()) return std::nullopt;
+    const Fix fix = fixes_.front();
+    fixes_.pop_front();
+    return fix;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable ready_;
+  std::deque<Fix> fixes_;
+  bool closed_ = false;
+};
+
+// Stands in for a GPS receiver: northbound across the runway at 15 km/h,
+// one fix a second (sent ten times faster here).
+void readGps(FixQueue& fixes) {
+  for (double lat = 44.87975; lat < 44.88070; lat += 0.0000375 * 4) {
+    fixes.push({lat, -93.2100, 15.0, 0.0});
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
+  fixes.close();
+}
 
 void printPoint(const char* label, tarvo::CLLocationCoordinate2D c) {
   std::printf("    %-10s %.9f, %.9f\n", label, c.latitude, c.longitude);
@@ -49,13 +112,18 @@ int main(int argc, char** argv) {
       "example-rwy", "RWY 09/27", /*isforceReplace=*/true);
   monitor->getPolygons();
 
-  // Northbound across the runway at 15 km/h, one fix a second.
-  for (double lat = 44.87975; lat < 44.88070; lat += 0.0000375 * 4) {
-    std::printf("fix %.6f, -93.2100\n", lat);
-    monitor->checkPointinPolygonLatitude(lat, -93.2100, 15.0, 0.0);
+  FixQueue fixes;
+  std::thread gps([&fixes] { readGps(fixes); });
+  // The main loop: each fix is handed in, then the sound tasks it queued
+  // run, both on this thread.
+  while (std::optional<Fix> fix = fixes.pop()) {
+    std::printf("fix %.6f, %.4f\n", fix->latitude, fix->longitude);
+    monitor->checkPointinPolygonLatitude(fix->latitude, fix->longitude,
+                                         fix->speedKmh, fix->headingDeg);
     printPoint("2 s ahead", monitor->pmidMiddleCoordinate);
     printPoint("4 s ahead", monitor->pMiddleCoordinate);
-    tarvo::mainQueue().runPending();  // the host's main loop runs sound tasks
+    tarvo::mainQueue().runPending();
   }
+  gps.join();
   return 0;
 }

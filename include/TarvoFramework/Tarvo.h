@@ -38,7 +38,8 @@ namespace tarvo {
 // Threading: the monitor starts no thread and takes no lock. Call it from
 // one thread. Delegate notices arrive synchronously on that thread; only the
 // tasks that start and stop the sound go to the main-queue executor
-// (MainQueue.h), which the host runs on its main thread.
+// (MainQueue.h), and the host must run them on that same thread, because
+// they read the monitor's state when they run.
 //
 // Failures: nothing throws. A missing sound file leaves the monitor silent
 // but still notifying; an unavailable store gives an empty area list.
