@@ -3,6 +3,7 @@
 // own exception through, whatever the bytes.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -154,6 +155,35 @@ TEST(HostileInput, RefusedWithFileLineAndField) {
       EXPECT_EQ(failure.error().file, path);
       EXPECT_EQ(failure.error().line, c.line);
       EXPECT_EQ(failure.error().field, c.field);
+      EXPECT_NE(failure.error().message.find(c.message), std::string::npos)
+          << failure.error().message;
+    }
+  }
+}
+
+// A directory once read as an empty file ("empty file: expected a header
+// line").
+TEST(HostileInput, PathsThatAreNoFilesAreNamed) {
+  const std::string dir =
+      std::filesystem::path(writeInput("x", "")).parent_path().string();
+  const std::filesystem::path named = dir + "/areas.tsv";
+  std::filesystem::create_directories(named);
+  const struct {
+    std::string path;
+    const char* message;
+  } kCases[] = {
+      {named.string(), "is a directory"},
+      {dir + "/missing.tsv", "cannot open"},
+      {dir + "/missing.csv", "cannot open"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.path);
+    try {
+      readAny(c.path);
+      ADD_FAILURE() << "no InputFailure";
+    } catch (const InputFailure& failure) {
+      EXPECT_EQ(failure.error().file, c.path);
+      EXPECT_EQ(failure.error().line, 0);
       EXPECT_NE(failure.error().message.find(c.message), std::string::npos)
           << failure.error().message;
     }

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <sstream>
@@ -17,6 +18,12 @@
 namespace tarvo::cli::text {
 
 std::string readWholeFile(const std::string& path) {
+  // A directory opens like a file and reads as empty, which would be
+  // reported as an empty file.
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    throw InputFailure({path, 0, "", "is a directory, not a file"});
+  }
   std::ifstream in(path, std::ios::binary);
   if (!in) throw InputFailure({path, 0, "", "cannot open the file"});
   std::ostringstream bytes;
