@@ -1,13 +1,16 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the project needs, only those that are missing.
-# Usage: scripts/setup.sh [--tests]   (--tests adds what the test suite uses)
+# Usage: scripts/setup.sh [--tests | --fuzz]
+#   --tests adds what the test suite uses, --fuzz clang and libFuzzer.
 set -euo pipefail
 
 packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev
           nlohmann-json3-dev libpugixml-dev)
-if [[ "${1:-}" == "--tests" ]]; then
-  packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame chromium clang)
-fi
+case "${1:-}" in
+  --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame
+                      chromium clang) ;;
+  --fuzz) packages+=(clang libclang-rt-dev) ;;
+esac
 
 missing=()
 for p in "${packages[@]}"; do

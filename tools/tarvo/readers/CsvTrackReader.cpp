@@ -141,6 +141,8 @@ class RowReader {
     return value;
   }
 
+  const std::string& path() const { return path_; }
+
  private:
   const std::string& path_;
   const Header& header_;
@@ -164,18 +166,26 @@ void addRow(const RowReader& row, const std::vector<std::string>& fields,
     }
     values[i] = *value;
   }
+  const std::string& path = row.path();
   TrackFix fix;
   fix.latitude = values[0];
   fix.longitude = values[1];
-  fix.speedKmh = values[2] * factor;
+  checkCoordinate(fix.latitude, 90.0, path, line, header.name(c.latitude));
+  checkCoordinate(fix.longitude, 180.0, path, line, header.name(c.longitude));
+  fix.speedKmh = speedKmh(values[2], factor, path, line, header.name(c.speed));
   fix.headingDeg = values[3];
   fix.sourceLine = line;
   if (c.time >= 0) fix.timeText = std::string(text::trim(fields[c.time]));
+  int timeColumn = c.time;
   if (c.unixTime >= 0) {
     fix.timeSeconds = row.number(c.unixTime);
+    timeColumn = c.unixTime;
   } else if (!fix.timeText.empty()) {
     fix.timeSeconds = text::parseIsoTime(fix.timeText);
     if (!fix.timeSeconds) fix.timeSeconds = text::parseNumber(fix.timeText);
+  }
+  if (fix.timeSeconds) {
+    checkTime(*fix.timeSeconds, path, line, header.name(timeColumn));
   }
   if (fix.timeText.empty() && fix.timeSeconds) {
     fix.timeText = text::formatIsoTime(*fix.timeSeconds);

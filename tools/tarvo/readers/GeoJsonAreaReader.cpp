@@ -33,6 +33,21 @@ std::optional<std::string> scalarText(const json& object,
   return numberText(*it);
 }
 
+// A position for a message: its JSON text when it is flat (no array or
+// object inside), else only its type. Dumping a nested value would recurse
+// once per level, and a hostile file nests tens of thousands of levels.
+std::string describe(const json& position) {
+  bool flat = !position.is_object();
+  if (position.is_array()) {
+    for (const json& element : position) {
+      flat = flat && !element.is_structured();
+    }
+  }
+  if (!flat) return std::string("a nested ") + position.type_name();
+  const std::string text = position.dump();
+  return text.size() <= 80 ? text : text.substr(0, 77) + "...";
+}
+
 std::string ringPoints(const json& polygon, const Place& place) {
   if (!polygon.is_array() || polygon.empty() || !polygon[0].is_array()) {
     place.fail("coordinates", "a polygon needs an array of rings");
@@ -47,7 +62,7 @@ std::string ringPoints(const json& polygon, const Place& place) {
     if (!lon || !lat) {
       place.fail("coordinates",
                  "position " + std::to_string(vertices.size() + 1) + " " +
-                     position.dump() + " is not [longitude, latitude]");
+                     describe(position) + " is not [longitude, latitude]");
     }
     vertices.push_back({*lon, *lat});
   }
@@ -98,21 +113,55 @@ void addFeature(const json& feature, const AreaReadOptions& options,
   }
 }
 
+// Finds where a document that json::parse refused breaks, and why. The
+// DOM parser throws some errors (a number too large for a double) without a
+// position; the SAX parser reports every error with its byte offset.
+class ErrorLocator : public nlohmann::json_sax<json> {
+ public:
+  bool null() override { return true; }
+  bool boolean(bool) override { return true; }
+  bool number_integer(number_integer_t) override { return true; }
+  bool number_unsigned(number_unsigned_t) override { return true; }
+  bool number_float(number_float_t, const string_t&) override { return true; }
+  bool string(string_t&) override { return true; }
+  bool binary(binary_t&) override { return true; }
+  bool start_object(std::size_t) override { return true; }
+  bool key(string_t&) override { return true; }
+  bool end_object() override { return true; }
+  bool start_array(std::size_t) override { return true; }
+  bool end_array() override { return true; }
+  bool parse_error(std::size_t position, const std::string&,
+                   const nlohmann::detail::exception& error) override {
+    offset = position;
+    message = error.what();
+    return false;
+  }
+
+  std::size_t offset = 0;
+  std::string message = "not a JSON document";
+};
+
+json parseDocument(const std::string& path, const std::string& content) {
+  try {
+    return json::parse(content);
+  } catch (const json::exception&) {
+    ErrorLocator locator;
+    json::sax_parse(content, &locator);
+    // "[json.exception.parse_error.101] parse error at line 3, ..."
+    std::string message = locator.message;
+    const std::size_t cut = message.find("] ");
+    if (cut != std::string::npos) message = message.substr(cut + 2);
+    throw InputFailure(
+        {path, text::lineAtOffset(content, locator.offset), "", message});
+  }
+}
+
 }  // namespace
 
 std::vector<SourcedArea> parseGeoJsonAreas(const std::string& path,
                                            const std::string& content,
                                            const AreaReadOptions& options) {
-  json document;
-  try {
-    document = json::parse(content);
-  } catch (const json::parse_error& error) {
-    std::string message = error.what();
-    const std::size_t cut = message.find("] ");
-    if (cut != std::string::npos) message = message.substr(cut + 2);
-    throw InputFailure(
-        {path, text::lineAtOffset(content, error.byte), "", message});
-  }
+  const json document = parseDocument(path, content);
   std::vector<SourcedArea> areas;
   const std::string type = document.is_object() && document.contains("type") &&
                                    document["type"].is_string()

@@ -19,23 +19,21 @@ constexpr double kPi = 3.14159265358979323846;
 
 struct Point {
   TrackFix fix;
-  std::optional<double> speedMps, course;
+  std::optional<double> speedKmh, course;
   pugi::xml_node parent;  // the trkseg, so derivation stays in a segment
 };
 
 class GpxParser {
  public:
   GpxParser(const std::string& path, const std::string& content)
-      : path_(path), content_(content) {}
+      : path_(path), lines_(content) {}
 
   Point point(const pugi::xml_node& node) const;
 
  private:
   int lineOf(const pugi::xml_node& node) const {
     const std::ptrdiff_t offset = node.offset_debug();
-    return offset < 0
-               ? 0
-               : text::lineAtOffset(content_, static_cast<std::size_t>(offset));
+    return offset < 0 ? 0 : lines_.lineAt(static_cast<std::size_t>(offset));
   }
   std::optional<double> value(const pugi::xml_node& node,
                               const std::string& field, int line) const {
@@ -51,7 +49,7 @@ class GpxParser {
   }
 
   const std::string& path_;
-  const std::string& content_;
+  const text::LineIndex lines_;
 };
 
 Point GpxParser::point(const pugi::xml_node& node) const {
@@ -68,7 +66,9 @@ Point GpxParser::point(const pugi::xml_node& node) const {
                                           "' is not a decimal number"
                                     : std::string("missing attribute")});
     }
-    (name[1] == 'a' ? p.fix.latitude : p.fix.longitude) = *number;
+    const bool latitude = name[1] == 'a';
+    checkCoordinate(*number, latitude ? 90.0 : 180.0, path_, line, name);
+    (latitude ? p.fix.latitude : p.fix.longitude) = *number;
   }
   if (pugi::xml_node time = findElement(node, "time", false)) {
     p.fix.timeText = std::string(text::trim(time.child_value()));
@@ -77,11 +77,13 @@ Point GpxParser::point(const pugi::xml_node& node) const {
       throw InputFailure({path_, line, "time",
                           "'" + p.fix.timeText + "' is not an ISO 8601 time"});
     }
+    checkTime(*p.fix.timeSeconds, path_, line, "time");
   }
   const pugi::xml_node extensions = findElement(node, "extensions", false);
-  p.speedMps = value(findElement(node, "speed", false), "speed", line);
-  if (!p.speedMps)
-    p.speedMps = value(findElement(extensions, "speed", true), "speed", line);
+  auto speedMps = value(findElement(node, "speed", false), "speed", line);
+  if (!speedMps)
+    speedMps = value(findElement(extensions, "speed", true), "speed", line);
+  if (speedMps) p.speedKmh = speedKmh(*speedMps, 3.6, path_, line, "speed");
   p.course = value(findElement(node, "course", false), "course", line);
   if (!p.course)
     p.course = value(findElement(extensions, "course", true), "course", line);
@@ -91,7 +93,8 @@ Point GpxParser::point(const pugi::xml_node& node) const {
 double radians(double degrees) { return degrees * kPi / 180.0; }
 
 // Speed (km/h) and initial bearing (degrees, [0, 360)) from a to b; nullopt
-// when the time between them is unknown or does not advance.
+// when the time between them is unknown or does not advance, or advances so
+// little (a few hundred decimals of a second) that the speed is infinite.
 std::optional<std::pair<double, double>> derive(const TrackFix& a,
                                                 const TrackFix& b) {
   if (!a.timeSeconds || !b.timeSeconds || *b.timeSeconds <= *a.timeSeconds) {
@@ -109,7 +112,9 @@ std::optional<std::pair<double, double>> derive(const TrackFix& a,
                  std::cos(lat1) * std::sin(lat2) -
                      std::sin(lat1) * std::cos(lat2) * std::cos(dLon));
   const double degrees = std::fmod(bearing * 180.0 / kPi + 360.0, 360.0);
-  return std::pair{meters / (*b.timeSeconds - *a.timeSeconds) * 3.6, degrees};
+  const double kmh = meters / (*b.timeSeconds - *a.timeSeconds) * 3.6;
+  if (!std::isfinite(kmh)) return std::nullopt;
+  return std::pair{kmh, degrees};
 }
 
 // Fills speed and heading of points[i], from the file or derived; false
@@ -117,7 +122,7 @@ std::optional<std::pair<double, double>> derive(const TrackFix& a,
 bool complete(std::vector<Point>& points, std::size_t i) {
   Point& p = points[i];
   std::optional<std::pair<double, double>> derived;
-  if (!p.speedMps || !p.course) {
+  if (!p.speedKmh || !p.course) {
     if (i > 0 && points[i - 1].parent == p.parent) {
       derived = derive(points[i - 1].fix, p.fix);
     } else if (i + 1 < points.size() && points[i + 1].parent == p.parent) {
@@ -125,7 +130,7 @@ bool complete(std::vector<Point>& points, std::size_t i) {
     }
     if (!derived) return false;
   }
-  p.fix.speedKmh = p.speedMps ? *p.speedMps * 3.6 : derived->first;
+  p.fix.speedKmh = p.speedKmh ? *p.speedKmh : derived->first;
   p.fix.headingDeg = p.course ? *p.course : derived->second;
   return true;
 }

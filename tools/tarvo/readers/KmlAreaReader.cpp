@@ -51,15 +51,13 @@ std::vector<VertexText> tuples(const std::string& coordinates,
   return vertices;
 }
 
-int lineOf(const std::string& content, const pugi::xml_node& node) {
+int lineOf(const text::LineIndex& lines, const pugi::xml_node& node) {
   const std::ptrdiff_t offset = node.offset_debug();
-  return offset < 0
-             ? 0
-             : text::lineAtOffset(content, static_cast<std::size_t>(offset));
+  return offset < 0 ? 0 : lines.lineAt(static_cast<std::size_t>(offset));
 }
 
 void addPlacemark(const pugi::xml_node& placemark, int index,
-                  const std::string& path, const std::string& content,
+                  const std::string& path, const text::LineIndex& lines,
                   std::vector<SourcedArea>& areas) {
   std::vector<pugi::xml_node> polygons;
   collectElements(placemark, "Polygon", polygons);
@@ -72,14 +70,14 @@ void addPlacemark(const pugi::xml_node& placemark, int index,
   if (guid.empty()) guid = name + "#" + std::to_string(index);
   const std::string kind =
       knownKind(extendedValue(placemark, "kind").value_or(""));
-  const int line = lineOf(content, placemark);
+  const int line = lineOf(lines, placemark);
   for (std::size_t i = 0; i < polygons.size(); ++i) {
     const pugi::xml_node coordinates = findElement(
         findElement(findElement(polygons[i], "outerBoundaryIs", false),
                     "LinearRing", false),
         "coordinates", false);
     const Place place{
-        path, lineOf(content, coordinates ? coordinates : polygons[i]), ""};
+        path, lineOf(lines, coordinates ? coordinates : polygons[i]), ""};
     if (!coordinates) {
       place.fail("coordinates",
                  "Polygon without outerBoundaryIs/LinearRing/coordinates");
@@ -101,9 +99,10 @@ std::vector<SourcedArea> parseKmlAreas(const std::string& path,
   loadXml(document, path, content);
   std::vector<pugi::xml_node> placemarks;
   collectElements(document, "Placemark", placemarks);
+  const text::LineIndex lines(content);
   std::vector<SourcedArea> areas;
   for (std::size_t i = 0; i < placemarks.size(); ++i) {
-    addPlacemark(placemarks[i], static_cast<int>(i) + 1, path, content, areas);
+    addPlacemark(placemarks[i], static_cast<int>(i) + 1, path, lines, areas);
   }
   return areas;
 }

@@ -64,6 +64,9 @@ class NmeaParser {
   void flush();
   std::optional<double> number(const std::string& text,
                                const char* field) const;
+  double kmh(double speed, double factor) const {
+    return speedKmh(speed, factor, path_, line_, "speed");
+  }
   std::optional<double> angle(const std::string& text,
                               const std::string& hemisphere,
                               bool latitude) const;
@@ -169,16 +172,25 @@ std::optional<double> NmeaParser::angle(const std::string& text,
                                         bool latitude) const {
   const char* field = latitude ? "latitude" : "longitude";
   if (text.empty()) return std::nullopt;
+  // Digits, then optionally a point and more digits, with at least the two
+  // minute digits and one degree digit before the point.
   const std::size_t dot = std::min(text.find('.'), text.size());
-  auto value = text::parseNumber(text);
-  if (dot < 3 || !value || *value < 0) {
+  const std::size_t nonDigit = text.find_first_not_of("0123456789");
+  const bool shaped =
+      dot >= 3 &&
+      (nonDigit == std::string::npos ||
+       (nonDigit == dot &&
+        text.find_first_not_of("0123456789", dot + 1) == std::string::npos));
+  const auto degrees =
+      shaped ? text::parseNumber(text.substr(0, dot - 2)) : std::nullopt;
+  const auto minutes =
+      shaped ? text::parseNumber(text.substr(dot - 2)) : std::nullopt;
+  if (!degrees || !minutes) {
     fail(field,
          "'" + text + "' is not " + (latitude ? "ddmm.mmmm" : "dddmm.mmmm"));
   }
-  const double degrees = *text::parseNumber(text.substr(0, dot - 2));
-  const double minutes = *text::parseNumber(text.substr(dot - 2));
-  const double result = degrees + minutes / 60.0;
-  if (minutes >= 60.0 || result > (latitude ? 90.0 : 180.0)) {
+  const double result = *degrees + *minutes / 60.0;
+  if (*minutes >= 60.0 || result > (latitude ? 90.0 : 180.0)) {
     fail(field, "'" + text + "' is out of range");
   }
   const char* letters = latitude ? "NS" : "EW";
@@ -200,7 +212,9 @@ std::optional<double> NmeaParser::secondsOfDay(const std::string& text) const {
         text.find_first_not_of("0123456789", 7) == std::string::npos));
   const int hours = shaped ? std::stoi(text.substr(0, 2)) : 99;
   const int minutes = shaped ? std::stoi(text.substr(2, 2)) : 99;
-  const double seconds = shaped ? *text::parseNumber(text.substr(4)) : 99.0;
+  // A long run of digits can be too large for a double: no time either.
+  const double seconds =
+      shaped ? text::parseNumber(text.substr(4)).value_or(99.0) : 99.0;
   if (hours > 23 || minutes > 59 || seconds >= 61.0) {
     fail("time", "'" + text + "' is not hhmmss[.ss]");
   }
@@ -233,7 +247,7 @@ void NmeaParser::rmc(const std::vector<std::string>& f) {
   auto course = number(f[8], "course");
   p.hasSpeed = knots.has_value();
   p.hasCourse = course.has_value();
-  p.fix.speedKmh = knots.value_or(0.0) * kKmhPerKnot;
+  p.fix.speedKmh = kmh(knots.value_or(0.0), kKmhPerKnot);
   p.fix.headingDeg = course.value_or(0.0);
   auto seconds = secondsOfDay(f[1]);
   if (seconds && !f[9].empty()) {
@@ -269,10 +283,10 @@ void NmeaParser::vtg(const std::vector<std::string>& f) {
   }
   if (!pending_->hasSpeed && f.size() > 7) {
     if (auto knots = number(f[5], "speed")) {
-      pending_->fix.speedKmh = *knots * kKmhPerKnot;
+      pending_->fix.speedKmh = kmh(*knots, kKmhPerKnot);
       pending_->hasSpeed = true;
-    } else if (auto kmh = number(f[7], "speed")) {
-      pending_->fix.speedKmh = *kmh;
+    } else if (auto perHour = number(f[7], "speed")) {
+      pending_->fix.speedKmh = kmh(*perHour, 1.0);
       pending_->hasSpeed = true;
     }
   }

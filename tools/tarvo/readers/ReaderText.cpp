@@ -1,11 +1,16 @@
 #include "readers/ReaderText.h"
 
+#include <locale.h>
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 #include "readers/Records.h"
@@ -13,6 +18,12 @@
 namespace tarvo::cli::text {
 
 std::string readWholeFile(const std::string& path) {
+  // A directory opens like a file and reads as empty, which would be
+  // reported as an empty file.
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    throw InputFailure({path, 0, "", "is a directory, not a file"});
+  }
   std::ifstream in(path, std::ios::binary);
   if (!in) throw InputFailure({path, 0, "", "cannot open the file"});
   std::ostringstream bytes;
@@ -43,6 +54,20 @@ int lineAtOffset(const std::string& text, std::size_t offset) {
                  std::count(text.begin(), text.begin() + offset, '\n'));
 }
 
+LineIndex::LineIndex(const std::string& text) {
+  for (std::size_t at = text.find('\n'); at != std::string::npos;
+       at = text.find('\n', at + 1)) {
+    newlines_.push_back(at);
+  }
+}
+
+int LineIndex::lineAt(std::size_t offset) const {
+  // Line = 1 + the number of newlines before offset.
+  const auto before =
+      std::lower_bound(newlines_.begin(), newlines_.end(), offset);
+  return 1 + static_cast<int>(before - newlines_.begin());
+}
+
 std::string_view trim(std::string_view text) {
   const char* blanks = " \t\r\n\v\f";
   std::size_t first = text.find_first_not_of(blanks);
@@ -51,16 +76,36 @@ std::string_view trim(std::string_view text) {
   return text.substr(first, last - first + 1);
 }
 
+namespace {
+
+// A number so close to zero that it underflows ("1e-400", or hundreds of
+// zeros after the point) is still a number: from_chars reports it as out of
+// range without a value, so it is read again with strtod in the "C" locale,
+// which gives the nearest subnormal or signed zero.
+std::optional<double> tinyNumber(std::string_view text) {
+  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", locale_t{});
+  if (cLocale == locale_t{}) return std::nullopt;
+  const std::string copy(text);
+  char* end = nullptr;
+  const double value = strtod_l(copy.c_str(), &end, cLocale);
+  if (end != copy.c_str() + copy.size() || !std::isfinite(value) ||
+      std::fabs(value) > std::numeric_limits<double>::min()) {
+    return std::nullopt;
+  }
+  return value;
+}
+
+}  // namespace
+
 std::optional<double> parseNumber(std::string_view text) {
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
   if (text.empty() || text.front() == '+') return std::nullopt;
   double value = 0.0;
   auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(),
                                    value, std::chars_format::general);
-  if (ec != std::errc() || end != text.data() + text.size() ||
-      !std::isfinite(value)) {
-    return std::nullopt;
-  }
+  if (end != text.data() + text.size()) return std::nullopt;
+  if (ec == std::errc::result_out_of_range) return tinyNumber(text);
+  if (ec != std::errc() || !std::isfinite(value)) return std::nullopt;
   return value;
 }
 
@@ -145,7 +190,14 @@ std::optional<double> parseIsoTime(std::string_view text) {
   return static_cast<double>(whole) + fraction;
 }
 
+bool isCalendarTime(double epochSeconds) {
+  return epochSeconds >= kEarliestTimeSeconds &&
+         epochSeconds < kEndOfTimeSeconds;
+}
+
 std::string formatIsoTime(double epochSeconds) {
+  // Outside the calendar range the millisecond count would overflow.
+  if (!isCalendarTime(epochSeconds)) return "";
   long long millis = std::llround(epochSeconds * 1000.0);
   long long days =
       millis >= 0 ? millis / 86400000 : -((-millis + 86399999) / 86400000);

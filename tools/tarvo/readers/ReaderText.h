@@ -21,14 +21,27 @@ std::string readWholeFile(const std::string& path);
 std::vector<std::string> splitLines(const std::string& text);
 
 // 1-based line of a byte offset into text (offsets past the end give the
-// last line).
+// last line). Counts from the start: for one look-up.
 int lineAtOffset(const std::string& text, std::size_t offset);
+
+// The same look-up for many offsets into one text, in O(log lines) each;
+// an XML reader asks for the line of every element it reports. Keeps no
+// reference to the text.
+class LineIndex {
+ public:
+  explicit LineIndex(const std::string& text);
+  int lineAt(std::size_t offset) const;
+
+ private:
+  std::vector<std::size_t> newlines_;  // offsets of every '\n', ascending
+};
 
 std::string_view trim(std::string_view text);
 
 // A finite decimal number that fills the whole of text (an optional leading
-// '+' or '-', digits, '.', exponent). Empty, partial, "nan" and "inf" give
-// nullopt.
+// '+' or '-', digits, '.', exponent). Empty, partial, "nan", "inf" and
+// numbers too large for a double ("1e999") give nullopt; numbers too close to
+// zero for a normal double read as the nearest subnormal or zero.
 std::optional<double> parseNumber(std::string_view text);
 
 // The shortest fixed-point text that reads back as the same double
@@ -39,8 +52,18 @@ std::string formatShortest(double value);
 // (a blank may replace the 'T'; no zone means UTC). nullopt when malformed.
 std::optional<double> parseIsoTime(std::string_view text);
 
+// The times the readers accept: from 0000-01-01T00:00:00Z up to, not
+// including, 10000-01-01T00:00:00Z, in seconds since the epoch. Wide enough
+// for any recording, narrow enough that milliseconds fit a 64-bit integer.
+constexpr double kEarliestTimeSeconds = -62167219200.0;
+constexpr double kEndOfTimeSeconds = 253402300800.0;
+
+// Whether seconds since the epoch lie in [kEarliestTimeSeconds,
+// kEndOfTimeSeconds) (false for NaN).
+bool isCalendarTime(double epochSeconds);
+
 // "YYYY-MM-DDTHH:MM:SS.sssZ" for seconds since the epoch (milliseconds
-// rounded to nearest).
+// rounded to nearest). "" when isCalendarTime(epochSeconds) is false.
 std::string formatIsoTime(double epochSeconds);
 
 // Days from 1970-01-01 to the given proleptic Gregorian date.

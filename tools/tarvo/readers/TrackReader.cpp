@@ -1,5 +1,7 @@
 #include "readers/TrackReader.h"
 
+#include <charconv>
+#include <cmath>
 #include <stdexcept>
 
 #include "readers/ReaderText.h"
@@ -22,7 +24,44 @@ TrackFormat formatFromExtension(const std::string& path) {
                           "or name the format)"});
 }
 
+// The shortest text that reads back as value ("47.48", "1e+300").
+std::string numberText(double value) {
+  char buffer[32];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  return std::string(buffer, result.ptr);
+}
+
 }  // namespace
+
+namespace detail {
+
+void checkCoordinate(double degrees, double limit, const std::string& path,
+                     int line, const std::string& field) {
+  if (degrees >= -limit && degrees <= limit) return;
+  throw InputFailure({path, line, field,
+                      "'" + numberText(degrees) + "' is outside [-" +
+                          numberText(limit) + ", " + numberText(limit) + "]"});
+}
+
+double speedKmh(double value, double factor, const std::string& path, int line,
+                const std::string& field) {
+  const double kmh = value * factor;
+  if (!std::isfinite(kmh)) {
+    throw InputFailure({path, line, field,
+                        "'" + numberText(value) + "' is too large a speed"});
+  }
+  return kmh;
+}
+
+void checkTime(double epochSeconds, const std::string& path, int line,
+               const std::string& field) {
+  if (text::isCalendarTime(epochSeconds)) return;
+  throw InputFailure({path, line, field,
+                      "'" + numberText(epochSeconds) +
+                          "' seconds is outside the years 0000 to 9999"});
+}
+
+}  // namespace detail
 
 Track readTrack(const std::string& path, const TrackReadOptions& options) {
   const TrackFormat format = options.format == TrackFormat::Auto

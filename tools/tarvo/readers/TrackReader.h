@@ -6,8 +6,11 @@
 // Thread-safety: the functions keep no state; concurrent calls on different
 // files are safe. Failure: InputFailure naming file, line and field for any
 // unreadable or malformed input; std::invalid_argument from the parse*
-// functions only. Coordinates are not range-checked beyond being decimal
-// numbers: a track is replayed as recorded.
+// functions only. Every format refuses a latitude outside [-90, 90], a
+// longitude outside [-180, 180], a speed too large for a double once in
+// km/h, and a time outside the years 0000 to 9999; NaN and infinity are no
+// decimal numbers. Headings are taken as given (a track is replayed as
+// recorded).
 #ifndef TARVO_TOOLS_READERS_TRACKREADER_H_
 #define TARVO_TOOLS_READERS_TRACKREADER_H_
 

@@ -22,27 +22,39 @@ std::string localName(const pugi::xml_node& node) {
   return colon == std::string::npos ? name : name.substr(colon + 1);
 }
 
+namespace {
+
+// The element after `node` in document order within root's subtree,
+// skipping node's own descendants when descend is false. Walks the tree
+// with parent and sibling links instead of recursion, so that a document
+// nested many thousands of levels deep cannot exhaust the stack.
+pugi::xml_node nextInSubtree(const pugi::xml_node& root, pugi::xml_node node,
+                             bool descend) {
+  if (descend && node.first_child()) return node.first_child();
+  while (node != root) {
+    if (pugi::xml_node sibling = node.next_sibling()) return sibling;
+    node = node.parent();
+  }
+  return {};
+}
+
+}  // namespace
+
 pugi::xml_node findElement(const pugi::xml_node& node, const std::string& name,
                            bool deep) {
-  for (pugi::xml_node c : node.children()) {
-    if (c.type() != pugi::node_element) continue;
-    if (localName(c) == name) return c;
-    if (deep) {
-      if (pugi::xml_node found = findElement(c, name, true)) return found;
-    }
+  for (pugi::xml_node c = node.first_child(); c;
+       c = nextInSubtree(node, c, deep)) {
+    if (c.type() == pugi::node_element && localName(c) == name) return c;
   }
   return {};
 }
 
 void collectElements(const pugi::xml_node& node, const std::string& name,
                      std::vector<pugi::xml_node>& found) {
-  for (pugi::xml_node c : node.children()) {
-    if (c.type() != pugi::node_element) continue;
-    if (localName(c) == name) {
-      found.push_back(c);
-    } else {
-      collectElements(c, name, found);
-    }
+  for (pugi::xml_node c = node.first_child(); c;) {
+    const bool match = c.type() == pugi::node_element && localName(c) == name;
+    if (match) found.push_back(c);
+    c = nextInSubtree(node, c, !match);
   }
 }
 

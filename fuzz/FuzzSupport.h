@@ -1,0 +1,83 @@
+// Checks shared by the fuzz targets. A target feeds one input to a parser,
+// accepts the readers' own InputFailure as a refusal, and checks what the
+// parser returned against the promises of its header; any other exception
+// escapes to libFuzzer and any broken promise aborts, so both are findings.
+#ifndef TARVO_FUZZ_FUZZSUPPORT_H_
+#define TARVO_FUZZ_FUZZSUPPORT_H_
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "readers/AreaFormats.h"
+#include "readers/ReaderText.h"
+#include "readers/Records.h"
+
+namespace tarvo::fuzz {
+
+// The name every target gives its input in messages.
+inline const std::string kPath = "fuzz-input";
+
+inline std::string asText(const std::uint8_t* data, std::size_t size) {
+  return std::string(reinterpret_cast<const char*>(data), size);
+}
+
+[[noreturn]] inline void broken(const std::string& promise,
+                                const std::string& detail) {
+  std::fprintf(stderr, "broken promise: %s: %s\n", promise.c_str(),
+               detail.c_str());
+  std::abort();
+}
+
+// Areas that passed every check must hold points text that the check
+// accepts again, with at least 3 vertices, and a GUID and name the store
+// can write.
+inline void checkAreas(const std::vector<cli::detail::SourcedArea>& areas) {
+  for (const cli::detail::SourcedArea& area : areas) {
+    const cli::AreaRecord& r = area.record;
+    if (r.guid.empty() || r.name.empty() ||
+        r.guid.find('"') != std::string::npos ||
+        r.name.find('"') != std::string::npos) {
+      broken("GUID and name are non-empty, without quotes", r.guid);
+    }
+    if (!r.kind.empty() && r.kind != "hazard" && r.kind != "hold_short") {
+      broken("kind is hazard, hold_short or empty", r.kind);
+    }
+    int vertices = 0;
+    try {
+      vertices = cli::detail::checkPointsText(r.points, {kPath, 0, ""});
+    } catch (const cli::InputFailure& failure) {
+      broken("returned points text passes the points check", failure.what());
+    }
+    if (vertices < 3) broken("an area has at least 3 vertices", r.points);
+  }
+}
+
+inline bool within(double value, double limit) {
+  return value >= -limit && value <= limit;
+}
+
+// Every fix is on the globe, with a finite speed and heading and a
+// calendar time when it has one.
+inline void checkTrack(const cli::Track& track) {
+  for (const cli::TrackFix& fix : track.fixes) {
+    const std::string where = "line " + std::to_string(fix.sourceLine);
+    if (!within(fix.latitude, 90.0) || !within(fix.longitude, 180.0)) {
+      broken("latitude and longitude in range", where);
+    }
+    if (!std::isfinite(fix.speedKmh) || !std::isfinite(fix.headingDeg)) {
+      broken("speed and heading are finite", where);
+    }
+    if (fix.timeSeconds && !cli::text::isCalendarTime(*fix.timeSeconds)) {
+      broken("a time lies in the years 0000 to 9999", where);
+    }
+  }
+}
+
+}  // namespace tarvo::fuzz
+
+#endif  // TARVO_FUZZ_FUZZSUPPORT_H_

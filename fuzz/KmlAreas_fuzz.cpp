@@ -1,0 +1,19 @@
+// Fuzzes the KML area reader: parsing, then the checks every area passes.
+#include <cstddef>
+#include <cstdint>
+
+#include "FuzzSupport.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
+                                      std::size_t size) {
+  using namespace tarvo;
+  try {
+    const auto areas =
+        cli::detail::parseKmlAreas(fuzz::kPath, fuzz::asText(data, size));
+    cli::detail::checkAreas(fuzz::kPath, areas);
+    fuzz::checkAreas(areas);
+  } catch (const cli::InputFailure&) {
+    // A refusal with file, line and field: the expected answer.
+  }
+  return 0;
+}
