@@ -3,7 +3,7 @@
 # Usage: scripts/setup.sh [--tests]   (--tests adds what the test suite uses)
 set -euo pipefail
 
-packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev
+packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev libboost-dev
           nlohmann-json3-dev libpugixml-dev)
 if [[ "${1:-}" == "--tests" ]]; then
   packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame chromium clang)
