@@ -1,0 +1,140 @@
+// The monitor against the plain reference (support/ReferenceMonitor.h), fix
+// by fix: every state field, every delegate notice and every bit of the six
+// predicted points must be the same. Random registries mix the shapes that
+// stress the index and the crossing test (rotated rectangles, concave rings,
+// rings across 180 degrees, degenerate and non-finite rings, vertices on a
+// float grid so that probes fall on vertex meridians), names of every kind,
+// and lists shuffled, replaced, grown and edited in place between fixes.
+// The shipped airports are driven with random taxi tracks.
+//
+// TARVO_DIFFERENTIAL_FIXES sets the number of fixes per case (by hand, for
+// the long run); the default keeps CTest short.
+#include <TarvoFramework/AreaEdits.h>
+#include <TarvoFramework/Tarvo.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "support/DifferentialScenes.h"
+#include "support/ReferenceMonitor.h"
+
+namespace tarvo {
+namespace {
+
+using testing::RecordingDelegate;
+using testing::ReferenceMonitor;
+using testing::Scene;
+
+long fixesPerCase(long fallback) {
+  const char* env = std::getenv("TARVO_DIFFERENTIAL_FIXES");
+  return env ? std::atol(env) : fallback;
+}
+
+bool sameBits(const CLLocationCoordinate2D& a,
+              const CLLocationCoordinate2D& b) {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+// Compares everything a host can read after a fix; names the first field
+// that differs.
+std::string difference(const Tarvo& m, const ReferenceMonitor& r,
+                       const RecordingDelegate& d) {
+  if (m.lastPolygonName() != r.lastPolygonName) return "lastPolygonName";
+  if (m.currentPolygonName() != r.currentPolygonName)
+    return "currentPolygonName";
+  if (m.currentPolygonGuid() != r.currentPolygonGuid)
+    return "currentPolygonGuid";
+  if (m.isHazardArea() != r.isHazardArea) return "isHazardArea";
+  if (m.onRunway() != r.onRunway) return "onRunway";
+  if (m.isProcessing()) return "isProcessing";
+  const CLLocationCoordinate2D mine[6] = {
+      m.pLeftCoordinate,    m.pMiddleCoordinate,    m.pRightCoordinate,
+      m.pmidLeftCoordinate, m.pmidMiddleCoordinate, m.pmidRightCoordinate};
+  for (int k = 0; k < 6; ++k) {
+    if (!sameBits(mine[k], r.predicted[k]))
+      return "predicted point " + std::to_string(k);
+  }
+  if (!(d.notices == r.notices)) return "notices";
+  return "";
+}
+
+// Runs `fixes` fixes of the scene through both monitors. The scene may
+// change the list between fixes; it then tells the monitor as a host must.
+void runScene(Scene& scene, long fixes, bool fullCheck) {
+  auto monitor = std::make_shared<Tarvo>();
+  auto delegate = std::make_shared<RecordingDelegate>();
+  monitor->setDelegate(delegate);
+  setFullAreaCheck(*monitor, fullCheck);
+  ReferenceMonitor reference;
+  long compared = 0;
+  for (long k = 0; k < fixes; ++k) {
+    scene.changeList(*monitor, fullCheck);
+    reference.polygons = monitor->polygons();
+    const testing::SceneFix f = scene.nextFix();
+    monitor->checkPointinPolygonLatitude(f.latitude, f.longitude, f.speed,
+                                         f.heading);
+    reference.fix(f.latitude, f.longitude, f.speed, f.heading);
+    const std::string diff = difference(*monitor, reference, *delegate);
+    ASSERT_EQ("", diff) << scene.describe() << " fix " << k << " at "
+                        << f.latitude << ", " << f.longitude << " speed "
+                        << f.speed << " heading " << f.heading;
+    // Both sides keep every notice; compare only the new ones next time.
+    delegate->notices.clear();
+    reference.notices.clear();
+    ++compared;
+  }
+  ::testing::Test::RecordProperty("fixes", std::to_string(compared));
+}
+
+struct SceneCase {
+  const char* what;
+  testing::SceneKind kind;
+  int areas;
+  bool fullCheck;
+};
+
+const SceneCase kSceneCases[] = {
+    {"rectangles and rings, notices on edits", testing::SceneKind::kMixed, 40,
+     false},
+    {"rectangles and rings, full check instead of notices",
+     testing::SceneKind::kMixed, 40, true},
+    {"float-grid vertices and probes (meridian ties)",
+     testing::SceneKind::kFloatGrid, 30, false},
+    {"rings across 180 degrees", testing::SceneKind::kAntimeridian, 20, false},
+    {"degenerate and non-finite rings", testing::SceneKind::kDegenerate, 30,
+     false},
+    {"many small areas", testing::SceneKind::kMixed, 600, false},
+};
+
+TEST(Differential, RandomRegistriesMatchTheReference) {
+  const long fixes = fixesPerCase(4000);
+  std::uint32_t seed = 20240611;
+  for (const SceneCase& c : kSceneCases) {
+    SCOPED_TRACE(c.what);
+    Scene scene(c.kind, c.areas, seed++);
+    runScene(scene, fixes, c.fullCheck);
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST(Differential, ShippedAirportsWithRandomTracksMatchTheReference) {
+  const long fixes = fixesPerCase(4000);
+  const char* const kAirports[] = {
+      TARVO_SOURCE_DIR "/data/airport-aptdat-flightgear/KMSP-areas.tsv",
+      TARVO_SOURCE_DIR "/data/airport-osm-lszh/lszh-osm-areas.tsv",
+  };
+  std::uint32_t seed = 777;
+  for (const char* path : kAirports) {
+    SCOPED_TRACE(path);
+    Scene scene = Scene::airport(path, seed++);
+    ASSERT_GT(scene.areaCount(), 40) << "airport file not read";
+    runScene(scene, fixes, false);
+    if (HasFatalFailure()) return;
+  }
+}
+
+}  // namespace
+}  // namespace tarvo
