@@ -10,6 +10,7 @@
 // TARVO_DIFFERENTIAL_FIXES sets the number of fixes per case (by hand, for
 // the long run); the default keeps CTest short.
 #include <TarvoFramework/AreaEdits.h>
+#include <TarvoFramework/Geometry.h>
 #include <TarvoFramework/Tarvo.h>
 #include <gtest/gtest.h>
 
@@ -134,6 +135,32 @@ TEST(Differential, ShippedAirportsWithRandomTracksMatchTheReference) {
     runScene(scene, fixes, false);
     if (HasFatalFailure()) return;
   }
+}
+
+// The projection alone, over headings, speeds and positions well beyond
+// what the tracks above produce: negative and huge values, NaN, the poles.
+TEST(Differential, ProjectionMatchesTheStepByStepReference) {
+  const long count = 25 * fixesPerCase(4000);
+  std::mt19937 rng(99);
+  std::uniform_real_distribution<double> lat(-90, 90), lon(-540, 540),
+      heading(-720, 720), speed(-50, 2000), pick(0, 1);
+  const double special[] = {0.0,   -0.0,   90.0, -90.0,
+                            180.0, -180.0, 1e30, std::nan("")};
+  long differing = 0;
+  for (long k = 0; k < count; ++k) {
+    CLLocationCoordinate2D at{lat(rng), lon(rng)};
+    double h = heading(rng), v = speed(rng);
+    if (pick(rng) < 0.02) at.latitude = special[k % 8];
+    if (pick(rng) < 0.02) h = special[(k / 8) % 8];
+    if (pick(rng) < 0.02) v = special[(k / 64) % 8];
+    const PredictedPositions p = predictPositions(at, h, v);
+    CLLocationCoordinate2D want[6];
+    testing::referenceProjection(at, h, v, want);
+    const CLLocationCoordinate2D got[6] = {p.left,    p.middle,    p.right,
+                                           p.midLeft, p.midMiddle, p.midRight};
+    for (int m = 0; m < 6; ++m) differing += !sameBits(got[m], want[m]);
+  }
+  EXPECT_EQ(0, differing) << "of " << count << " projections";
 }
 
 }  // namespace

@@ -45,20 +45,43 @@ Origin makeOrigin(float latitudeDeg, float longitudeDeg) {
   return o;
 }
 
-// Great-circle destination from the origin on bearing `bearingDeg` after
-// `distanceKm`. The products p and q are single; q * cos(theta) and the
-// sums stay double until they are stored.
-tarvo::CLLocationCoordinate2D destination(const Origin& o, float bearingDeg,
-                                          float distanceKm) {
-  const float theta = static_cast<float>(DegreesToRadians(bearingDeg));
+// A bearing with the sine and cosine the formula takes of it.
+struct Bearing {
+  float theta;  // radians
+  double sinTheta;
+  double cosTheta;
+};
+
+Bearing makeBearing(float bearingDeg) {
+  Bearing b;
+  b.theta = static_cast<float>(DegreesToRadians(bearingDeg));
+  b.sinTheta = dsin(b.theta);
+  b.cosTheta = dcos(b.theta);
+  return b;
+}
+
+// An angular distance with its sine and cosine, each rounded to single.
+struct Distance {
+  float sinDelta;
+  float cosDelta;
+};
+
+Distance makeDistance(float distanceKm) {
   const float delta = distanceKm / kEarthRadiusKm;
-  const float sinDelta = static_cast<float>(dsin(delta));
-  const float cosDelta = static_cast<float>(dcos(delta));
-  const float p = o.sinPhi1 * cosDelta;
-  const float q = o.cosPhi1 * sinDelta;
-  const float phi2 = static_cast<float>(dasin(p + q * dcos(theta)));
-  const double y = (dsin(theta) * sinDelta) * o.cosPhi1;
-  const double x = cosDelta - o.sinPhi1 * dsin(phi2);
+  return Distance{static_cast<float>(dsin(delta)),
+                  static_cast<float>(dcos(delta))};
+}
+
+// Great-circle destination from the origin on bearing b after distance d.
+// The products p and q are single; q * cos(theta) and the sums stay double
+// until they are stored.
+tarvo::CLLocationCoordinate2D destination(const Origin& o, const Bearing& b,
+                                          const Distance& d) {
+  const float p = o.sinPhi1 * d.cosDelta;
+  const float q = o.cosPhi1 * d.sinDelta;
+  const float phi2 = static_cast<float>(dasin(p + q * b.cosTheta));
+  const double y = (b.sinTheta * d.sinDelta) * o.cosPhi1;
+  const double x = d.cosDelta - o.sinPhi1 * dsin(phi2);
   const float lambda2 = static_cast<float>(o.lambda1 + datan2(y, x));
   const float latitude = static_cast<float>(RadiansToDegrees(phi2));
   const float longitude = static_cast<float>(RadiansToDegrees(lambda2));
@@ -86,16 +109,21 @@ PredictedPositions predictPositions(CLLocationCoordinate2D position,
   const float mid = static_cast<float>(speed * kMidHours);
   const Origin origin = makeOrigin(static_cast<float>(position.latitude),
                                    static_cast<float>(position.longitude));
-  const float left = h - kSideOffsetDegrees;
-  const float right = kSideOffsetDegrees + h;
+  // The three bearings and two distances, each with its sine and cosine,
+  // worked out once: the six points only combine them.
+  const Bearing left = makeBearing(h - kSideOffsetDegrees);
+  const Bearing middle = makeBearing(h);
+  const Bearing right = makeBearing(kSideOffsetDegrees + h);
+  const Distance farD = makeDistance(far);
+  const Distance midD = makeDistance(mid);
 
   PredictedPositions out;
-  out.left = destination(origin, left, far);
-  out.middle = destination(origin, h, far);
-  out.right = destination(origin, right, far);
-  out.midLeft = destination(origin, left, mid);
-  out.midMiddle = destination(origin, h, mid);
-  out.midRight = destination(origin, right, mid);
+  out.left = destination(origin, left, farD);
+  out.middle = destination(origin, middle, farD);
+  out.right = destination(origin, right, farD);
+  out.midLeft = destination(origin, left, midD);
+  out.midMiddle = destination(origin, middle, midD);
+  out.midRight = destination(origin, right, midD);
   return out;
 }
 
