@@ -137,6 +137,48 @@ TEST(Differential, ShippedAirportsWithRandomTracksMatchTheReference) {
   }
 }
 
+// The crossing test (two edges at a time where the CPU allows) against the
+// literal one-edge loop: rings of 0 to 70 vertices, on a float grid so that
+// probes sit on vertex meridians and edges, with NaN, infinite, subnormal
+// and repeated vertices, probes near and on the vertices.
+TEST(Differential, CrossingTestMatchesTheLiteralLoop) {
+  const long rings = fixesPerCase(4000);
+  std::mt19937 rng(5);
+  std::uniform_real_distribution<double> u(-1, 1), pick(0, 1);
+  std::uniform_int_distribution<int> size(0, 70);
+  const double odd[] = {std::nan(""), HUGE_VAL, -HUGE_VAL, 4.9e-324, -0.0};
+  long tests = 0, differing = 0, insides = 0;
+  for (long r = 0; r < rings; ++r) {
+    DMPointArray ring;
+    const int n = size(rng);
+    const bool grid = pick(rng) < 0.5;
+    for (int k = 0; k < n; ++k) {
+      const double a = 6.283185307179586 * k / n, s = 0.5 + 0.5 * pick(rng);
+      double lat = s * std::sin(a), lon = s * std::cos(a);
+      if (grid) lat = std::round(lat * 8) / 8, lon = std::round(lon * 8) / 8;
+      if (pick(rng) < 0.01) (pick(rng) < 0.5 ? lat : lon) = odd[k % 5];
+      ring.emplace_back(lat, lon);
+    }
+    if (n > 0 && pick(rng) < 0.1) ring.push_back(ring.front());
+    for (int m = 0; m < 16; ++m) {
+      float lat = static_cast<float>(u(rng)), lon = static_cast<float>(u(rng));
+      if (!ring.empty() && m % 2 == 0) {
+        const DMPoint& p = ring[static_cast<std::size_t>(m) % ring.size()];
+        lon = static_cast<float>(p.longitude());
+        if (m % 4 == 0) lat = static_cast<float>(p.latitude());
+      }
+      const int count = static_cast<int>(ring.size());
+      const bool want =
+          testing::referenceCrossingTest(ring.data(), count, lat, lon);
+      insides += want;
+      differing += want != pointInPolygon(ring.data(), count, lat, lon);
+      ++tests;
+    }
+  }
+  EXPECT_EQ(0, differing) << "of " << tests << " crossing tests";
+  EXPECT_GT(insides, tests / 10) << "probes must often be inside";
+}
+
 // The projection alone, over headings, speeds and positions well beyond
 // what the tracks above produce: negative and huge values, NaN, the poles.
 TEST(Differential, ProjectionMatchesTheStepByStepReference) {
