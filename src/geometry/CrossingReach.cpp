@@ -9,14 +9,6 @@
 namespace tarvo {
 namespace {
 
-// Whether a float probe's longitude can equal this vertex longitude.
-bool floatCanHold(double lon) {
-  if (std::isnan(lon)) return false;
-  if (std::isinf(lon)) return true;
-  if (std::fabs(lon) > FLT_MAX) return false;
-  return static_cast<double>(static_cast<float>(lon)) == lon;
-}
-
 // Adds the bounds of the edge (i, j) to the reach.
 void addEdge(const DMPoint& pi, const DMPoint& pj, CrossingReach& reach) {
   const double iLat = pi.latitude(), iLon = pi.longitude();
@@ -46,6 +38,11 @@ void addEdge(const DMPoint& pi, const DMPoint& pj, CrossingReach& reach) {
 
 }  // namespace
 
+bool floatCanHold(double lon) {
+  if (!std::isfinite(lon) || std::fabs(lon) > FLT_MAX) return false;
+  return static_cast<double>(static_cast<float>(lon)) == lon;
+}
+
 CrossingReach crossingReach(const DMPoint* vertices, std::int32_t count) {
   CrossingReach reach;
   if (vertices == nullptr || count <= 0) return reach;
@@ -55,7 +52,8 @@ CrossingReach crossingReach(const DMPoint* vertices, std::int32_t count) {
       if (lon < reach.minLon) reach.minLon = lon;
       if (lon > reach.maxLon) reach.maxLon = lon;
     }
-    if (floatCanHold(lon)) reach.openSouth = true;
+    if (std::isinf(lon)) reach.openSouth = true;
+    if (floatCanHold(lon)) reach.meridianTies = true;
     addEdge(vertices[i], vertices[j], reach);
   }
   return reach;

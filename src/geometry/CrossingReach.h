@@ -30,12 +30,14 @@
 //     that a vertex whose longitude equals lon counts as ">=" on one edge
 //     and as "not >" on the next, which makes it odd: a point due south of
 //     such a vertex can be inside (the diamond and the two-vertex segment
-//     of the tests). So the south rule only holds for rings where lon can
-//     never equal a vertex longitude, i.e. with no vertex longitude that a
-//     float holds exactly (probes are floats), and where every edge gives
-//     a finite X (no NaN or infinite coordinate, no overflow: an edge whose
-//     X is NaN qualifies without flipping and breaks the parity). Other
-//     rings are "open to the south": rule 3 is not applied.
+//     of the tests). So the south rule needs a probe longitude that equals
+//     no vertex longitude: a ring with vertex longitudes that a float holds
+//     exactly (probes are floats) "has meridian ties", and south of it only
+//     probes off those meridians are skipped; the caller (the area index)
+//     finds probes on them. And it needs every edge to give a finite X (no
+//     NaN or infinite coordinate, no overflow: an edge whose X is NaN
+//     qualifies without flipping and breaks the parity); a ring without
+//     that is "open to the south" and rule 3 is not applied at all.
 //
 // A probe with a NaN coordinate is never inside, and the rule rejects it.
 // The bounds assume the default round-to-nearest mode, as the specified
@@ -58,12 +60,14 @@ struct CrossingReach {
   double southBound = kInf;
   double northBound = -kInf;  // -inf: no edge can ever flip
   bool openSouth = false;     // rule 3 does not hold for this ring
+  bool meridianTies = false;  // a float can equal a vertex longitude
 
   // False only where the crossing test provably answers "outside".
-  // lat, lon: a probe narrowed to float and widened back.
+  // lat, lon: a probe narrowed to float and widened back. South of a ring
+  // with meridian ties it answers true (the crossing test decides).
   bool mayContain(double lat, double lon) const {
     return lon >= minLon && lon <= maxLon && lat < northBound &&
-           (openSouth || lat >= southBound);
+           (openSouth || meridianTies || lat >= southBound);
   }
 
   // True when no probe at all can be inside.
@@ -73,6 +77,10 @@ struct CrossingReach {
 // The reach of the ring of `count` vertices (null or count <= 0: empty).
 // Linear in count; reads the vertices once.
 CrossingReach crossingReach(const DMPoint* vertices, std::int32_t count);
+
+// Whether a float probe's longitude can equal this vertex longitude, for a
+// finite vertex longitude.
+bool floatCanHold(double lon);
 
 }  // namespace tarvo
 

@@ -112,6 +112,7 @@ void ZoneIndex::rebuild(const std::shared_ptr<DMPolygonArray>& list) {
 
   reaches_.clear();
   unbounded_.clear();
+  meridians_.clear();
   std::vector<Entry> entries;
   for (std::size_t k = 0; k < list->size(); ++k) {
     const DMPointArray* ring = ringOf((*list)[k]);
@@ -122,6 +123,7 @@ void ZoneIndex::rebuild(const std::shared_ptr<DMPolygonArray>& list) {
     const CrossingReach& r = reaches_.back();
     if (r.isEmpty()) continue;
     const auto position = static_cast<std::uint32_t>(k);
+    if (r.meridianTies) addMeridians(*ring, position);
     if (isBounded(r)) {
       entries.emplace_back(
           Box(Point(r.minLon, r.southBound), Point(r.maxLon, r.northBound)),
@@ -131,6 +133,15 @@ void ZoneIndex::rebuild(const std::shared_ptr<DMPolygonArray>& list) {
     }
   }
   tree_ = std::make_unique<Tree>(entries);
+  std::sort(meridians_.begin(), meridians_.end());
+}
+
+void ZoneIndex::addMeridians(const DMPointArray& ring, std::uint32_t position) {
+  for (const DMPoint& p : ring) {
+    // +0 and -0 are one meridian to the comparisons.
+    const double lon = p.longitude() == 0 ? 0.0 : p.longitude();
+    if (floatCanHold(lon)) meridians_.emplace_back(lon, position);
+  }
 }
 
 const std::vector<std::uint32_t>& ZoneIndex::candidates(
@@ -159,10 +170,21 @@ const std::vector<std::uint32_t>& ZoneIndex::candidates(
             [this](const Entry& e) { found_.push_back(e.second); }));
     std::sort(found_.begin(), found_.end());
   }
-  if (!unbounded_.empty()) {
-    const std::size_t bounded = found_.size();
-    found_.insert(found_.end(), unbounded_.begin(), unbounded_.end());
-    std::inplace_merge(found_.begin(), found_.begin() + bounded, found_.end());
+  const std::size_t sorted = found_.size();
+  if (!meridians_.empty()) {
+    for (int m = 0; m < ProbeSet::kCount; ++m) {
+      const double lon = probes.lon[m] == 0 ? 0.0 : double{probes.lon[m]};
+      auto at = std::lower_bound(meridians_.begin(), meridians_.end(),
+                                 std::make_pair(lon, std::uint32_t{0}));
+      for (; at != meridians_.end() && at->first == lon; ++at) {
+        found_.push_back(at->second);
+      }
+    }
+  }
+  found_.insert(found_.end(), unbounded_.begin(), unbounded_.end());
+  if (found_.size() != sorted) {
+    std::sort(found_.begin(), found_.end());
+    found_.erase(std::unique(found_.begin(), found_.end()), found_.end());
   }
   cachedProbes_ = probes;
   cacheValid_ = true;

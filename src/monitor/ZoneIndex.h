@@ -4,10 +4,12 @@
 // Each area gets its CrossingReach (geometry/CrossingReach.h): outside it the
 // crossing test provably answers "outside". Reaches with finite bounds go
 // into an R-tree; the others (open to the south, or with an infinite bound)
-// are kept in a list that every query returns. A query returns, in list
-// order, every area whose reach may hold one of the probes: a superset of
-// the areas that can match, which the evaluation then tests one by one,
-// probe by probe, with mayContain in front of each crossing test.
+// are kept in a list that every query returns. An area with meridian ties
+// is also reachable from due south along its float-exact vertex
+// longitudes: a table of those longitudes finds it for a probe on one. A query
+// returns, in list order, every area whose reach may hold one of the probes: a
+// superset of the areas that can match, which the evaluation then tests one by
+// one, probe by probe, with mayContain in front of each crossing test.
 //
 // Staleness. The index describes one list as it was when built. It notices
 // by itself, in constant time, a list replaced by another (setPolygons,
@@ -25,6 +27,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "TarvoFramework/DMPolygon.h"
@@ -69,6 +72,7 @@ class ZoneIndex {
 
   bool describes(const std::shared_ptr<DMPolygonArray>& list) const;
   void rebuild(const std::shared_ptr<DMPolygonArray>& list);
+  void addMeridians(const DMPointArray& ring, std::uint32_t position);
 
   // What the O(1) check compares: the list object (its control block is
   // pinned by the weak reference, so an address cannot be reused unseen),
@@ -81,6 +85,9 @@ class ZoneIndex {
 
   std::vector<CrossingReach> reaches_;
   std::vector<std::uint32_t> unbounded_;  // sorted; returned by every query
+  // (vertex longitude, area) for the float-exact vertex longitudes of the
+  // areas with meridian ties, sorted.
+  std::vector<std::pair<double, std::uint32_t>> meridians_;
   std::unique_ptr<Tree> tree_;
   std::unique_ptr<Snapshot> snapshot_;  // only kept for verifyContents
 
