@@ -42,7 +42,7 @@ void BM_WholeFix(benchmark::State& state) {
       benchmark::Counter(1, benchmark::Counter::kIsIterationInvariantRate |
                                 benchmark::Counter::kInvert);
 }
-BENCHMARK(BM_WholeFix)->Arg(10)->Arg(100)->Arg(1000);
+BENCHMARK(BM_WholeFix)->Arg(10)->Arg(100)->Arg(1000)->Arg(10000);
 
 // The 14 crossing tests per area that a whole fix performs, alone.
 void BM_BareCrossingTests(benchmark::State& state) {

@@ -4,7 +4,7 @@
 #   --tests adds what the test suite uses, --fuzz clang and libFuzzer.
 set -euo pipefail
 
-packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev
+packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev libboost-dev
           nlohmann-json3-dev libpugixml-dev)
 case "${1:-}" in
   --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame

@@ -15,6 +15,10 @@
 
 namespace tarvo {
 
+struct CrossingReach;
+struct ProbeSet;
+class ZoneIndex;
+
 // The monitor the host talks to: it keeps the registered areas in memory,
 // takes every position fix, looks 2 and 4 seconds ahead and tells its
 // delegate when the aircraft is in, or about to enter, an area.
@@ -40,6 +44,12 @@ namespace tarvo {
 // tasks that start and stop the sound go to the main-queue executor
 // (MainQueue.h), and the host must run them on that same thread, because
 // they read the monitor's state when they run.
+//
+// Speed: the evaluation finds the areas near the aircraft through an index
+// of the list, with the same results as testing every area. The index
+// follows a list that is replaced (setPolygons, getPolygons) or resized by
+// itself; a host that edits the list or its areas in place reports it with
+// polygonsEdited() (AreaEdits.h).
 //
 // Failures: nothing throws. A missing sound file leaves the monitor silent
 // but still notifying; an unavailable store gives an empty area list.
@@ -216,8 +226,12 @@ class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
   CLLocationCoordinate2D pmidRightCoordinate;   // 2 s ahead, heading + 10
 
  private:
+  friend class ZoneIndexAccess;
   struct ScanState;
-  bool scanArea(const DMPolygon* area, ScanState& scan);
+  bool scanArea(const DMPolygon* area, const CrossingReach& reach,
+                ScanState& scan);
+  void passOverAreas(ScanState& scan);
+  void setProbes(ProbeSet& probes) const;
   void recordMatch(const DMPolygon& area, ScanState& scan);
   void queuePlayTask();
   void queueStopTask();
@@ -236,6 +250,11 @@ class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
   bool onRunway_ = false;
   std::shared_ptr<DMPolygonArray> polygons_;
   std::weak_ptr<TarvoDelegate> delegate_;
+
+  // Not properties: the evaluation's index of polygons_ (made on first use)
+  // and whether it checks the list in full on every evaluation.
+  std::unique_ptr<ZoneIndex> zoneIndex_;
+  bool verifyZoneIndex_ = false;
 };
 
 }  // namespace tarvo

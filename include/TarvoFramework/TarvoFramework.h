@@ -2,6 +2,7 @@
 #ifndef TARVOFRAMEWORK_TARVOFRAMEWORK_H_
 #define TARVOFRAMEWORK_TARVOFRAMEWORK_H_
 
+#include "TarvoFramework/AreaEdits.h"
 #include "TarvoFramework/Coordinate.h"
 #include "TarvoFramework/DBManager.h"
 #include "TarvoFramework/DMPoint.h"

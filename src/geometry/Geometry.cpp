@@ -9,6 +9,15 @@
 #include "TarvoFramework/Geometry.h"
 
 #include <cmath>
+#include <type_traits>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#define TARVO_CROSSING_SSE2 1
+#elif defined(__aarch64__) && defined(__ARM_NEON)
+#include <arm_neon.h>
+#define TARVO_CROSSING_NEON 1
+#endif
 
 namespace {
 
@@ -45,20 +54,43 @@ Origin makeOrigin(float latitudeDeg, float longitudeDeg) {
   return o;
 }
 
-// Great-circle destination from the origin on bearing `bearingDeg` after
-// `distanceKm`. The products p and q are single; q * cos(theta) and the
-// sums stay double until they are stored.
-tarvo::CLLocationCoordinate2D destination(const Origin& o, float bearingDeg,
-                                          float distanceKm) {
-  const float theta = static_cast<float>(DegreesToRadians(bearingDeg));
+// A bearing with the sine and cosine the formula takes of it.
+struct Bearing {
+  float theta;  // radians
+  double sinTheta;
+  double cosTheta;
+};
+
+Bearing makeBearing(float bearingDeg) {
+  Bearing b;
+  b.theta = static_cast<float>(DegreesToRadians(bearingDeg));
+  b.sinTheta = dsin(b.theta);
+  b.cosTheta = dcos(b.theta);
+  return b;
+}
+
+// An angular distance with its sine and cosine, each rounded to single.
+struct Distance {
+  float sinDelta;
+  float cosDelta;
+};
+
+Distance makeDistance(float distanceKm) {
   const float delta = distanceKm / kEarthRadiusKm;
-  const float sinDelta = static_cast<float>(dsin(delta));
-  const float cosDelta = static_cast<float>(dcos(delta));
-  const float p = o.sinPhi1 * cosDelta;
-  const float q = o.cosPhi1 * sinDelta;
-  const float phi2 = static_cast<float>(dasin(p + q * dcos(theta)));
-  const double y = (dsin(theta) * sinDelta) * o.cosPhi1;
-  const double x = cosDelta - o.sinPhi1 * dsin(phi2);
+  return Distance{static_cast<float>(dsin(delta)),
+                  static_cast<float>(dcos(delta))};
+}
+
+// Great-circle destination from the origin on bearing b after distance d.
+// The products p and q are single; q * cos(theta) and the sums stay double
+// until they are stored.
+tarvo::CLLocationCoordinate2D destination(const Origin& o, const Bearing& b,
+                                          const Distance& d) {
+  const float p = o.sinPhi1 * d.cosDelta;
+  const float q = o.cosPhi1 * d.sinDelta;
+  const float phi2 = static_cast<float>(dasin(p + q * b.cosTheta));
+  const double y = (b.sinTheta * d.sinDelta) * o.cosPhi1;
+  const double x = d.cosDelta - o.sinPhi1 * dsin(phi2);
   const float lambda2 = static_cast<float>(o.lambda1 + datan2(y, x));
   const float latitude = static_cast<float>(RadiansToDegrees(phi2));
   const float longitude = static_cast<float>(RadiansToDegrees(lambda2));
@@ -86,40 +118,108 @@ PredictedPositions predictPositions(CLLocationCoordinate2D position,
   const float mid = static_cast<float>(speed * kMidHours);
   const Origin origin = makeOrigin(static_cast<float>(position.latitude),
                                    static_cast<float>(position.longitude));
-  const float left = h - kSideOffsetDegrees;
-  const float right = kSideOffsetDegrees + h;
+  // The three bearings and two distances, each with its sine and cosine,
+  // worked out once: the six points only combine them.
+  const Bearing left = makeBearing(h - kSideOffsetDegrees);
+  const Bearing middle = makeBearing(h);
+  const Bearing right = makeBearing(kSideOffsetDegrees + h);
+  const Distance farD = makeDistance(far);
+  const Distance midD = makeDistance(mid);
 
   PredictedPositions out;
-  out.left = destination(origin, left, far);
-  out.middle = destination(origin, h, far);
-  out.right = destination(origin, right, far);
-  out.midLeft = destination(origin, left, mid);
-  out.midMiddle = destination(origin, h, mid);
-  out.midRight = destination(origin, right, mid);
+  out.left = destination(origin, left, farD);
+  out.middle = destination(origin, middle, farD);
+  out.right = destination(origin, right, farD);
+  out.midLeft = destination(origin, left, midD);
+  out.midMiddle = destination(origin, middle, midD);
+  out.midRight = destination(origin, right, midD);
   return out;
 }
 
+namespace {
+
+// The crossing latitude of edge (i, j) in exactly this order, and whether
+// the point lies below it. An edge along a meridian divides 0 by 0 here;
+// the NaN never counts.
+bool below(const DMPoint& pi, const DMPoint& pj, double lat, double lon) {
+  double d = pj.latitude() - pi.latitude();
+  d = d * (lon - pi.longitude());
+  d = d / (pj.longitude() - pi.longitude());
+  return lat < d + pi.latitude();
+}
+
+// Whether edge (i, j) flips the result. Deliberately unlike: >= for the i
+// end, > for the j end.
+bool flips(const DMPoint& pi, const DMPoint& pj, double lat, double lon) {
+  const bool iAtOrAbove = pi.longitude() >= lon;
+  const bool jAbove = pj.longitude() > lon;
+  return iAtOrAbove != jAbove && below(pi, pj, lat, lon);
+}
+
+#if defined(TARVO_CROSSING_SSE2) || defined(TARVO_CROSSING_NEON)
+// The vertices as (latitude, longitude) pairs of doubles, for the vector
+// loads below.
+static_assert(std::is_standard_layout<tarvo::DMPoint>::value &&
+                  sizeof(tarvo::DMPoint) == 2 * sizeof(double),
+              "DMPoint must be two packed doubles");
+
+const double* pairs(const DMPoint* vertices) {
+  return reinterpret_cast<const double*>(vertices);
+}
+#endif
+
+// Edges (i, i - 1) and (i + 1, i), i from 1, two at a time: the longitude
+// comparisons of both edges in one vector step, then the scalar arithmetic
+// for the (rare) edges that qualify. Returns the first i not examined.
+std::int32_t twoEdgesAtATime(const DMPoint* v, std::int32_t count, double lat,
+                             double lon, bool& inside) {
+  std::int32_t i = 1;
+#if defined(TARVO_CROSSING_SSE2)
+  const __m128d l = _mm_set1_pd(lon);
+  for (; i + 1 < count; i += 2) {
+    const __m128d a0 = _mm_loadu_pd(pairs(v + i - 1));
+    const __m128d a1 = _mm_loadu_pd(pairs(v + i));
+    const __m128d a2 = _mm_loadu_pd(pairs(v + i + 1));
+    const __m128d iEnds = _mm_unpackhi_pd(a1, a2);  // lon of i, i + 1
+    const __m128d jEnds = _mm_unpackhi_pd(a0, a1);  // lon of i - 1, i
+    const int qualifies = _mm_movemask_pd(_mm_cmpge_pd(iEnds, l)) ^
+                          _mm_movemask_pd(_mm_cmpgt_pd(jEnds, l));
+    if (qualifies == 0) continue;
+    if ((qualifies & 1) && below(v[i], v[i - 1], lat, lon)) inside = !inside;
+    if ((qualifies & 2) && below(v[i + 1], v[i], lat, lon)) inside = !inside;
+  }
+#elif defined(TARVO_CROSSING_NEON)
+  const float64x2_t l = vdupq_n_f64(lon);
+  for (; i + 1 < count; i += 2) {
+    const float64x2_t jEnds = vld2q_f64(pairs(v + i - 1)).val[1];
+    const float64x2_t iEnds = vld2q_f64(pairs(v + i)).val[1];
+    const uint64x2_t q = veorq_u64(vcgeq_f64(iEnds, l), vcgtq_f64(jEnds, l));
+    const bool first = vgetq_lane_u64(q, 0) != 0;
+    const bool second = vgetq_lane_u64(q, 1) != 0;
+    if (first && below(v[i], v[i - 1], lat, lon)) inside = !inside;
+    if (second && below(v[i + 1], v[i], lat, lon)) inside = !inside;
+  }
+#else
+  (void)v, (void)count, (void)lat, (void)lon, (void)inside;
+#endif
+  return i;
+}
+
+}  // namespace
+
+// The edges are examined in the order (0, n - 1), (1, 0), (2, 1), ...; the
+// result is the parity of the flips, so examining two at a time changes
+// nothing. Selected at build time: SSE2 on x86, NEON on AArch64, one edge
+// at a time elsewhere.
 bool pointInPolygon(const DMPoint* vertices, std::int32_t count, float latitude,
                     float longitude) {
-  if (vertices == nullptr) return false;
+  if (vertices == nullptr || count <= 0) return false;
   const double lat = latitude;
   const double lon = longitude;
-  bool inside = false;
-  // j trails i, so the first edge examined is the closing one (last -> first).
-  for (std::int32_t i = 0, j = count - 1; i < count; j = i++) {
-    const DMPoint& pi = vertices[i];
-    const DMPoint& pj = vertices[j];
-    // Deliberately unlike: >= for the i end, > for the j end.
-    const bool iAtOrAbove = pi.longitude() >= lon;
-    const bool jAbove = pj.longitude() > lon;
-    if (iAtOrAbove != jAbove) {
-      // An edge along a meridian divides 0 by 0 here; the NaN never counts.
-      double d = pj.latitude() - pi.latitude();
-      d = d * (lon - pi.longitude());
-      d = d / (pj.longitude() - pi.longitude());
-      const double crossingLatitude = d + pi.latitude();
-      if (lat < crossingLatitude) inside = !inside;
-    }
+  bool inside = flips(vertices[0], vertices[count - 1], lat, lon);
+  std::int32_t i = twoEdgesAtATime(vertices, count, lat, lon, inside);
+  for (; i < count; ++i) {
+    if (flips(vertices[i], vertices[i - 1], lat, lon)) inside = !inside;
   }
   return inside;
 }

@@ -5,6 +5,7 @@
 #include "TarvoFramework/Directories.h"
 #include "TarvoFramework/Geometry.h"
 #include "TarvoFramework/MainQueue.h"
+#include "monitor/ZoneIndex.h"
 
 namespace tarvo {
 
