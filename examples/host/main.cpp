@@ -21,6 +21,8 @@
 #include <string>
 #include <thread>
 
+#include "FixQueue.h"
+
 namespace {
 
 class PrintingDelegate : public tarvo::TarvoDelegate {
@@ -37,47 +39,6 @@ class PrintingDelegate : public tarvo::TarvoDelegate {
     std::printf("  clear%s%s\n", name && !name->empty() ? " of " : "",
                 name.value_or("").c_str());
   }
-};
-
-struct Fix {
-  double latitude, longitude, speedKmh, headingDeg;
-};
-
-// Carries fixes from the reader thread to the main thread.
-class FixQueue {
- public:
-  void push(const Fix& fix) {
-    {
-      std::lock_guard<std::mutex> lock(mutex_);
-      fixes_.push_back(fix);
-    }
-    ready_.notify_one();
-  }
-
-  // No more fixes will come.
-  void close() {
-    {
-      std::lock_guard<std::mutex> lock(mutex_);
-      closed_ = true;
-    }
-    ready_.notify_one();
-  }
-
-  // Waits for the next fix; nothing once closed and emptied.
-  std::optional<Fix> pop() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    ready_.wait(lock, [this] { return closed_ || !fixes_.empty(); });
-    if (fixes_.empty()) return std::nullopt;
-    const Fix fix = fixes_.front();
-    fixes_.pop_front();
-    return fix;
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable ready_;
-  std::deque<Fix> fixes_;
-  bool closed_ = false;
 };
 
 // Stands in for a GPS receiver: northbound across the runway at 15 km/h,

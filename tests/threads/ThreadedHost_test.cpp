@@ -25,6 +25,7 @@
 #include <thread>
 #include <vector>
 
+#include "FixQueue.h"
 #include "sound/DiskAudio.h"
 #include "support/MonitorDoubles.h"
 
@@ -33,47 +34,6 @@ namespace {
 
 using testing::describe;
 using testing::Notice;
-
-struct Fix {
-  double latitude, longitude, speedKmh, headingDeg;
-};
-
-// The hand-over between the reader thread and the main thread; the host's
-// own, not the library's.
-class FixQueue {
- public:
-  void push(const Fix& fix) {
-    {
-      std::lock_guard<std::mutex> lock(mutex_);
-      fixes_.push_back(fix);
-    }
-    ready_.notify_one();
-  }
-
-  void close() {
-    {
-      std::lock_guard<std::mutex> lock(mutex_);
-      closed_ = true;
-    }
-    ready_.notify_one();
-  }
-
-  // The next fix, waiting for one; nothing once closed and emptied.
-  std::optional<Fix> pop() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    ready_.wait(lock, [this] { return closed_ || !fixes_.empty(); });
-    if (fixes_.empty()) return std::nullopt;
-    const Fix fix = fixes_.front();
-    fixes_.pop_front();
-    return fix;
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable ready_;
-  std::deque<Fix> fixes_;
-  bool closed_ = false;
-};
 
 // Areas across a strip of latitude 10.0000 to 10.0010, west to east: a
 // hold-short box, the runway behind it, a hold-short box on its far side,
