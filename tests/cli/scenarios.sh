@@ -110,7 +110,8 @@ case "$scenario" in
     track="$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv"
     check 1 'no areas are stored in .*tarvo import' -- "$tool" replay "$track" --where segment=KMSP-1-landing-taxi-in "${store[@]}"
     check 0 'there is no store at .* yet' -- "$tool" list "${store[@]}"
-    [[ ! -e "$work/store/Polygon.db" ]] || { echo "FAIL: list created a store"; ((failures++)); }
+    check 1 'there is no store at .*; no area was removed' -- "$tool" remove A "${store[@]}"
+    [[ ! -e "$work/store/Polygon.db" ]] || { echo "FAIL: list or remove created a store"; ((failures++)); }
     "$tool" import "$areas" "${store[@]}" > /dev/null
     check 1 'kmsp-kden-tracks.csv: --where: no row has segment=NOPE' -- "$tool" replay "$track" --where segment=NOPE "${store[@]}"
     printf 'latitude,longitude,ground_speed_kmh,track_deg_true\n' > "$work/empty.csv"

@@ -217,7 +217,13 @@ int runRemove(const ParsedArgs& args) {
     requireStorableGuid("remove", guid);
   }
   applyDataDir(args);
-  requireTrustedStore(StoreUse::kWrite);
+  const StoreCheckReport report = requireTrustedStore(StoreUse::kWrite);
+  if (report.status == StoreCheckReport::Status::kMissing) {
+    // Removing must not create a store.
+    std::cerr << "tarvo remove: there is no store at " << report.path
+              << "; no area was removed\n";
+    return 1;
+  }
   StoreLog log(false);
   const auto& store = DBManager::getSharedInstance();
   int status = 0;
