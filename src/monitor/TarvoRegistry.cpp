@@ -11,6 +11,7 @@
 #include "TarvoFramework/DBManager.h"
 #include "TarvoFramework/Tarvo.h"
 #include "store/AreaWrite.h"
+#include "store/Savepoint.h"
 
 namespace tarvo {
 namespace {
@@ -32,6 +33,11 @@ std::vector<std::string> components(const std::string& text, char separator) {
 }  // namespace
 
 void Tarvo::getPolygons() {
+  // One read transaction for the whole load: every query sees the same
+  // state of the file, also while another process writes to it, and the
+  // file is locked once instead of once per area. Nothing is written, so
+  // the savepoint is simply dropped at the end.
+  const store::Savepoint snapshot("tarvo_load");
   std::shared_ptr<DMPolygonArray> stored =
       DBManager::getSharedInstance()->getAllPolygons();
   // The new list is installed empty and filled in place.

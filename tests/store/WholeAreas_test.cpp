@@ -51,6 +51,9 @@ TEST(WholeAreas, BatchCommitsAllOrRollsBackAll) {
     tarvo::StoreWriteBatch batch;
     EXPECT_TRUE(monitor->addPolygons(kSquare, "a", "RWY A", false));
     EXPECT_TRUE(monitor->addPolygons(kSquare, "b", "RWY B", false));
+    // A load inside the batch sees its writes and does not undo them.
+    monitor->getPolygons();
+    EXPECT_EQ(2u, monitor->polygons()->size());
     EXPECT_TRUE(batch.ok());
     EXPECT_TRUE(batch.commit());
     EXPECT_TRUE(batch.commit());  // answers again, commits once
