@@ -84,10 +84,15 @@ store::WriteFailure lastFailure;
 // record operations return or log.
 void noteWriteFailure(sqlite3* connection) {
   ++failedWrites;
-  lastFailure = {sqlite3_errcode(connection) & 0xFF,
-                 connection != nullptr ? sqlite3_errmsg(connection)
-                                       : "the store is not open"};
-  if (store::isEnvironmentFailure(lastFailure.code)) ++environmentFailures;
+  const int code = sqlite3_errcode(connection) & 0xFF;
+  // A statement refused because SQLite rolled the transaction back after a
+  // disk or file failure: that failure stays the one to report.
+  if (code == SQLITE_AUTH && store::isEnvironmentFailure(lastFailure.code)) {
+    return;
+  }
+  lastFailure = {code, connection != nullptr ? sqlite3_errmsg(connection)
+                                             : "the store is not open"};
+  if (store::isEnvironmentFailure(code)) ++environmentFailures;
 }
 
 // Runs an insert or a delete in the shared slot; true on SQLITE_DONE. The
