@@ -5,12 +5,28 @@
 # (-ffp-contract=off) nor drop the double -> float -> double round trips that
 # GCC's SLP vectoriser removes when it handles a latitude/longitude pair
 # together (-fno-tree-slp-vectorize).
+#
+# On 32-bit x86 the default arithmetic is the x87 unit, which keeps
+# intermediates in 80-bit registers: conversions, projections and crossing
+# tests then differ in their last bits (and 1e308 degrees converts to a
+# finite number). SSE2 arithmetic rounds every step as written, so the
+# library's own build asks for it there; no packager needs to know.
+include(CheckCXXSourceCompiles)
+check_cxx_source_compiles("
+#if !defined(__i386__)
+#error not 32-bit x86
+#endif
+int main() { return 0; }" TARVO_TARGET_IS_I386)
+
 add_library(tarvo_build_flags INTERFACE)
 target_compile_options(tarvo_build_flags INTERFACE
   -Wall -Wextra -Wshadow
   -ffp-contract=off
   $<$<CXX_COMPILER_ID:GNU>:-fno-tree-slp-vectorize>
   $<$<BOOL:${TARVO_WERROR}>:-Werror>)
+if(TARVO_TARGET_IS_I386)
+  target_compile_options(tarvo_build_flags INTERFACE -msse2 -mfpmath=sse)
+endif()
 
 # TARVO_SANITIZE picks the sanitizers. Every target of the build must carry
 # the same ones: an executable linking a sanitized shared library needs the

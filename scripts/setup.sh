@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the project needs, only those that are missing.
-# Usage: scripts/setup.sh [--tests | --fuzz]
-#   --tests adds what the test suite uses, --fuzz clang and libFuzzer.
+# Usage: scripts/setup.sh [--tests | --fuzz | --i386]
+#   --tests adds what the test suite uses, --fuzz clang and libFuzzer,
+#   --i386 the 32-bit x86 compiler for the exactness check.
 set -euo pipefail
 
 packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev libboost-dev
@@ -10,6 +11,7 @@ case "${1:-}" in
   --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame
                       chromium clang) ;;
   --fuzz) packages+=(clang libclang-rt-dev) ;;
+  --i386) packages+=(g++-multilib libgtest-dev) ;;
 esac
 
 missing=()
