@@ -5,10 +5,10 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev
-          nlohmann-json3-dev libpugixml-dev)
+          nlohmann-json3-dev libpugixml-dev libgps-dev)
 case "${1:-}" in
   --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame
-                      chromium clang) ;;
+                      chromium clang gpsd gpsd-clients) ;;
   --fuzz) packages+=(clang libclang-rt-dev) ;;
 esac
 

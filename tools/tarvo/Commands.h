@@ -21,6 +21,7 @@ int runList(const ParsedArgs& args);
 int runRemove(const ParsedArgs& args);
 int runClear(const ParsedArgs& args);
 int runReplay(const ParsedArgs& args);
+int runWatch(const ParsedArgs& args);
 
 // Points the library at --data-dir, if given. Must run before anything
 // touches the store, which reads the directory once.
