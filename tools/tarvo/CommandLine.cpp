@@ -74,6 +74,13 @@ incursion episode (area, kind, start, end, duration).
 
 TRACK formats: CSV (with a header line), NMEA 0183 (RMC sentences), GPX.
 
+TRACK "-" (standard input), a pipe, a FIFO or a serial device is read as a
+stream: each line is handed in as soon as it arrives, and its events are
+printed at once (for example: gpspipe -r | tarvo replay -). A stream is CSV
+or NMEA, told by --format or else by its first line; in a stream a bad NMEA
+sentence is skipped and counted instead of ending the replay, and
+--realtime only turns the sound on, since the stream sets the pace.
+
 Options:
   --data-dir DIR         directory of the store
   --format auto|csv|nmea|gpx   track format (default: from the extension)

@@ -122,9 +122,66 @@ void showProgress(std::size_t done, std::size_t total) {
   std::cerr << "\rreplaying fix " << done << "/" << total << std::flush;
 }
 
+void writeReport(const ParsedArgs& args, const FixSession& session,
+                 const std::vector<SkippedFix>& skipped) {
+  auto report = args.value("report");
+  if (!report) return;
+  const ReplaySummary summary = summarize(session.records(), skipped);
+  ReportInput input{args.positional.front(), session.areas(),
+                    &session.records(), &summary};
+  writeHtmlReport(*report, input);
+  (args.has("json") ? std::cerr : std::cout)
+      << "Report written to " << *report << "\n";
+}
+
+// A track that arrives as it is written (standard input, a pipe, a FIFO):
+// each fix is handed in as soon as its line is complete, and its events are
+// printed at once. The stream sets the pace, so --realtime only turns the
+// sound on.
+int replayStream(const ParsedArgs& args, bool realSound) {
+  const TrackReadOptions options = trackOptions(args);
+  applyDataDir(args);
+  requireAreas(requireTrustedStore(StoreUse::kRead));
+  StoreLog log(false);
+  FixSession session(std::cout, {{args.has("json"), args.has("all-notices"),
+                                  args.has("quiet")},
+                                 realSound});
+  TrackStream stream(args.positional.front(), options);
+  Track seen;
+  std::vector<TrackFix> fixes;
+  for (bool more = true; more;) {
+    const std::size_t skippedBefore = seen.skipped.size();
+    more = stream.next(fixes, seen.skipped);
+    for (std::size_t i = skippedBefore; i < seen.skipped.size(); ++i) {
+      const SkippedFix& s = seen.skipped[i];
+      if (s.reason.rfind("bad sentence", 0) != 0) continue;
+      std::cerr << "tarvo replay: line " << s.sourceLine
+                << " skipped: " << s.reason << "\n";
+    }
+    for (const TrackFix& fix : fixes) {
+      const double index = static_cast<double>(seen.fixes.size());
+      session.hand(fix, fix.timeSeconds.value_or(index));
+      seen.fixes.push_back(fix);
+    }
+    if (!fixes.empty()) std::cout.flush();
+    fixes.clear();
+  }
+  requireFixes(args, seen);
+  if (!passesNearAreas(seen, *session.areas(), 5000.0)) {
+    std::cerr << "tarvo replay: warning: the track passes no stored area "
+                 "within 5 km; check that the store holds this airport\n";
+  }
+  session.printSummary(seen.skipped);
+  writeReport(args, session, seen.skipped);
+  return 0;
+}
+
 }  // namespace
 
 int runReplay(const ParsedArgs& args) {
+  if (isStreamPath(args.positional.front())) {
+    return replayStream(args, args.has("realtime"));
+  }
   const Track track = readTrack(args.positional.front(), trackOptions(args));
   requireFixes(args, track);
   double factor = 0.0;  // 0: as fast as possible
@@ -162,14 +219,7 @@ int runReplay(const ParsedArgs& args) {
   if (factor > 0.0) waitFor(1.5, 1.0);  // let the last sound finish
 
   session.printSummary(track.skipped);
-  const ReplaySummary summary = summarize(session.records(), track.skipped);
-  if (auto report = args.value("report")) {
-    ReportInput input{args.positional.front(), session.areas(),
-                      &session.records(), &summary};
-    writeHtmlReport(*report, input);
-    (args.has("json") ? std::cerr : std::cout)
-        << "Report written to " << *report << "\n";
-  }
+  writeReport(args, session, track.skipped);
   return 0;
 }
 
