@@ -131,6 +131,9 @@ Options:
   --quiet                print the summary only
   --no-sound             play no sound; time the sound events on the fixes'
                          own clock, as replay does without --realtime
+  --voice                also speak the name of each area entered, the way
+                         a pilot reads it ("hold short runway one two
+                         right"), one callout at a time, through espeak-ng
   --max-fixes N          stop after N fixes
   --exit-after-idle S    stop when no fix has arrived for S seconds
   --help                 show this text
@@ -200,6 +203,7 @@ const std::vector<CommandSpec>& commandTable() {
         {"all-notices", OptionValue::None},
         {"quiet", OptionValue::None},
         {"no-sound", OptionValue::None},
+        {"voice", OptionValue::None},
         {"max-fixes", OptionValue::Required},
         {"exit-after-idle", OptionValue::Required}},
        kWatchHelp},

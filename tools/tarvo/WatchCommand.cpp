@@ -16,6 +16,7 @@
 #include "Commands.h"
 #include "StoreGate.h"
 #include "WatchStatus.h"
+#include "output/Callout.h"
 #include "session/FixSession.h"
 #include "tracks/CsvTrackWriter.h"
 #include "tracks/GpsdSource.h"
@@ -56,6 +57,7 @@ struct WatchOptions {
   std::optional<double> exitAfterIdleSeconds;
   std::optional<std::string> recordPath;
   bool realSound = true;
+  bool voice = false;
   bool status = false;
 };
 
@@ -83,6 +85,7 @@ WatchOptions watchOptions(const ParsedArgs& args) {
   }
   o.recordPath = args.value("record");
   o.realSound = !args.has("no-sound");
+  o.voice = args.has("voice");
   o.status = isatty(STDOUT_FILENO) && !args.has("json") && !args.has("quiet");
   return o;
 }
@@ -92,10 +95,11 @@ WatchOptions watchOptions(const ParsedArgs& args) {
 class Watch {
  public:
   Watch(const WatchOptions& options, FixSession& session,
-        CsvTrackWriter* record)
+        CsvTrackWriter* record, SpokenCallout* voice)
       : options_(options),
         session_(session),
         record_(record),
+        voice_(voice),
         source_(options.endpoint),
         status_(std::cout, options.status),
         start_(Clock::now()),
@@ -123,6 +127,8 @@ class Watch {
   const WatchOptions& options_;
   FixSession& session_;
   CsvTrackWriter* record_;
+  SpokenCallout* voice_;         // null without --voice
+  std::optional<AreaRef> area_;  // the area of the last fix, for the voice
   GpsdSource source_;
   WatchStatus status_;
   // lastFix_ also restarts on each connection (staleness); lastHanded_
@@ -224,6 +230,10 @@ void Watch::onFix(TrackFix fix) {
   const FixRecord& r = session_.hand(fix, clock);
   ++fixes_;
   std::cout.flush();
+  if (voice_ != nullptr && r.area && r.area != area_) {
+    voice_->say(calloutText(r.area->name));
+  }
+  area_ = r.area;
   status_.show(r);
 }
 
@@ -274,8 +284,18 @@ int runWatch(const ParsedArgs& args) {
   FixSession session(std::cout, {{args.has("json"), args.has("all-notices"),
                                   args.has("quiet")},
                                  options.realSound});
+  std::unique_ptr<SpokenCallout> voice;
+  if (options.voice) {
+    voice = std::make_unique<SpokenCallout>();
+    const std::string why = voice->start();
+    if (!why.empty()) {
+      std::cerr << "tarvo watch: warning: --voice: " << why
+                << "; going on without the spoken callout\n";
+      voice.reset();
+    }
+  }
   catchStopSignals();
-  Watch watch(options, session, record.get());
+  Watch watch(options, session, record.get(), voice.get());
   const std::string why = watch.run();
   std::cerr << "tarvo watch: stopped: " << why << "\n";
   session.printSummary(watch.skipped());
