@@ -28,6 +28,7 @@ bool isPort(const std::string& text) {
 GpsdEndpoint parseGpsdEndpoint(const std::string& text) {
   GpsdEndpoint e;
   std::string host = text, port;
+  bool portGiven = false;  // a ':' before the port, even if empty
   if (!text.empty() && text[0] == '[') {
     const std::size_t close = text.find(']');
     if (close == std::string::npos) {
@@ -39,17 +40,19 @@ GpsdEndpoint parseGpsdEndpoint(const std::string& text) {
         throw std::invalid_argument("'" + text + "': expected ':' after ']'");
       }
       port = text.substr(close + 2);
+      portGiven = true;
     }
   } else if (const std::size_t colon = text.rfind(':');
              colon != std::string::npos) {
     host = text.substr(0, colon);
     port = text.substr(colon + 1);
+    portGiven = true;
   }
   if (host.empty() && port.empty()) {
     throw std::invalid_argument("'" + text + "' names no host and no port");
   }
   if (!host.empty()) e.host = host;
-  if (!port.empty() || text.find(':') != std::string::npos) {
+  if (portGiven) {
     if (!isPort(port)) {
       throw std::invalid_argument("'" + port +
                                   "' is not a port number (1 to 65535)");
