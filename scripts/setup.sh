@@ -6,10 +6,11 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev libboost-dev
-          nlohmann-json3-dev libpugixml-dev)
+          nlohmann-json3-dev libpugixml-dev libgps-dev
+          libespeak-ng-dev espeak-ng-data)
 case "${1:-}" in
   --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame
-                      chromium clang) ;;
+                      chromium clang gpsd gpsd-clients) ;;
   --fuzz) packages+=(clang libclang-rt-dev) ;;
   --i386) packages+=(g++-multilib libgtest-dev) ;;
 esac

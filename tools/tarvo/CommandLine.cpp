@@ -74,6 +74,13 @@ incursion episode (area, kind, start, end, duration).
 
 TRACK formats: CSV (with a header line), NMEA 0183 (RMC sentences), GPX.
 
+TRACK "-" (standard input), a pipe, a FIFO or a serial device is read as a
+stream: each line is handed in as soon as it arrives, and its events are
+printed at once (for example: gpspipe -r | tarvo replay -). A stream is CSV
+or NMEA, told by --format or else by its first line; in a stream a bad NMEA
+sentence is skipped and counted instead of ending the replay, and
+--realtime only turns the sound on, since the stream sets the pace.
+
 Options:
   --data-dir DIR         directory of the store
   --format auto|csv|nmea|gpx   track format (default: from the extension)
@@ -96,6 +103,43 @@ Options:
 
 Without --realtime the replay runs as fast as it can and no sound is heard;
 the sound events are then timed on the track's own clock.
+)";
+
+const char kWatchHelp[] =
+    R"(Usage: tarvo watch [options]
+
+Connects to gpsd and hands every position report with a 2D or 3D fix to
+the monitor as it arrives (speed from m/s to km/h, track as the heading),
+against the stored areas, and prints each event as replay does. The caution
+sound plays as the monitor decides. Ends on Ctrl-C or SIGTERM with the
+summary of the session.
+
+On standard error it says when gpsd reports no fix, when fixes go stale
+(none for 2 s), and when gpsd goes away; it then reconnects by itself,
+waiting 0.5 s, then twice as long each time, up to 8 s. In a terminal a
+status line shows the area, its kind, whether the aircraft is inside it or
+predicted to enter it, speed, heading, the age of the last fix and the
+connection.
+
+Options:
+  --gpsd HOST:PORT       where gpsd listens (default localhost:2947)
+  --data-dir DIR         directory of the store
+  --record FILE.csv      also write every fix received as a CSV track that
+                         `tarvo replay` reads and that gives the same events
+  --json                 JSON Lines, as replay --json
+  --all-notices          print every notice, not only entries and exits
+  --quiet                print the summary only
+  --no-sound             play no sound; time the sound events on the fixes'
+                         own clock, as replay does without --realtime
+  --voice                also speak the name of each area entered, the way
+                         a pilot reads it ("hold short runway one two
+                         right"), one callout at a time, through espeak-ng
+  --max-fixes N          stop after N fixes
+  --exit-after-idle S    stop when no fix has arrived for S seconds
+  --help                 show this text
+
+Exit status: 0 after a session with fixes, 1 when no fix arrived or on a
+store failure, 2 on usage.
 )";
 
 const std::vector<CommandSpec>& commandTable() {
@@ -148,6 +192,21 @@ const std::vector<CommandSpec>& commandTable() {
         {"report", OptionValue::Required},
         {"quiet", OptionValue::None}},
        kReplayHelp},
+      {"watch",
+       "warn live from a GPS shared by gpsd",
+       0,
+       0,
+       {{"gpsd", OptionValue::Required},
+        {"data-dir", OptionValue::Required},
+        {"record", OptionValue::Required},
+        {"json", OptionValue::None},
+        {"all-notices", OptionValue::None},
+        {"quiet", OptionValue::None},
+        {"no-sound", OptionValue::None},
+        {"voice", OptionValue::None},
+        {"max-fixes", OptionValue::Required},
+        {"exit-after-idle", OptionValue::Required}},
+       kWatchHelp},
   };
   return table;
 }

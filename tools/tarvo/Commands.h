@@ -5,8 +5,10 @@
 // the process exit status (0 success, 1 bad input or failure). Errors in
 // input files reach main() as InputFailure, bad command lines as UsageError.
 //
-// Threading: everything runs on the main thread, which is also the thread
-// that drains the library's main queue.
+// Threading: everything that touches the library runs on the main thread,
+// which is also the thread that drains the library's main queue. The only
+// other thread is the spoken callout's (watch --voice), which is handed
+// text and never touches the library.
 #ifndef TARVO_TOOLS_TARVO_COMMANDS_H_
 #define TARVO_TOOLS_TARVO_COMMANDS_H_
 
@@ -21,6 +23,7 @@ int runList(const ParsedArgs& args);
 int runRemove(const ParsedArgs& args);
 int runClear(const ParsedArgs& args);
 int runReplay(const ParsedArgs& args);
+int runWatch(const ParsedArgs& args);
 
 // Points the library at --data-dir, if given. Must run before anything
 // touches the store, which reads the directory once.

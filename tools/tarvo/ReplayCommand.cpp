@@ -21,6 +21,7 @@
 #include "ReplayRecorder.h"
 #include "StoreGate.h"
 #include "readers/TrackReader.h"
+#include "session/FixSession.h"
 
 namespace tarvo::cli {
 namespace {
@@ -69,40 +70,6 @@ void waitFor(double trackSeconds, double factor) {
   }
 }
 
-class AreaIndex {
- public:
-  explicit AreaIndex(const std::shared_ptr<DMPolygonArray>& areas) {
-    if (!areas) return;
-    for (const auto& a : *areas) byGuid_[a->polygonGUID().value_or("")] = a;
-  }
-  // Whether the point itself lies in the area, tested as the monitor tests.
-  bool contains(const std::string& guid, double lat, double lon) const {
-    auto it = byGuid_.find(guid);
-    if (it == byGuid_.end() || !it->second->polygonPoints()) return false;
-    const DMPointArray& ring = *it->second->polygonPoints();
-    return pointInPolygon(ring.data(), static_cast<std::int32_t>(ring.size()),
-                          static_cast<float>(lat), static_cast<float>(lon));
-  }
-
- private:
-  std::map<std::string, std::shared_ptr<DMPolygon>> byGuid_;
-};
-
-FixRecord observe(const Tarvo& monitor, ReplayRecorder& recorder) {
-  FixRecord r;
-  r.notices = recorder.takeNotices();
-  r.sounds = recorder.takeSounds();
-  r.predicted = {monitor.pLeftCoordinate,      monitor.pMiddleCoordinate,
-                 monitor.pRightCoordinate,     monitor.pmidLeftCoordinate,
-                 monitor.pmidMiddleCoordinate, monitor.pmidRightCoordinate};
-  if (!r.notices.empty() && r.notices.back().occupied) {
-    const Notice& n = r.notices.back();
-    r.area = AreaRef{n.name, n.guid, monitor.isHazardArea()};
-    r.onRunway = n.onRunway;
-  }
-  return r;
-}
-
 // A replay that cannot warn of anything must not look like a quiet one.
 void requireFixes(const ParsedArgs& args, const Track& track) {
   if (!track.fixes.empty()) return;
@@ -120,13 +87,6 @@ void requireFixes(const ParsedArgs& args, const Track& track) {
            track.skipped.front().reason + ")";
   }
   throw InputFailure({path, 0, "", why});
-}
-
-void requireAreas(const StoreCheckReport& report) {
-  if (report.areaCount > 0) return;
-  throw StoreFailure("no areas are stored in " + report.path +
-                     ", so there is nothing to warn about. Import the "
-                     "airport's areas first: tarvo import FILE");
 }
 
 // Whether any fix comes within about `meters` of any area's bounding box.
@@ -162,9 +122,66 @@ void showProgress(std::size_t done, std::size_t total) {
   std::cerr << "\rreplaying fix " << done << "/" << total << std::flush;
 }
 
+void writeReport(const ParsedArgs& args, const FixSession& session,
+                 const std::vector<SkippedFix>& skipped) {
+  auto report = args.value("report");
+  if (!report) return;
+  const ReplaySummary summary = summarize(session.records(), skipped);
+  ReportInput input{args.positional.front(), session.areas(),
+                    &session.records(), &summary};
+  writeHtmlReport(*report, input);
+  (args.has("json") ? std::cerr : std::cout)
+      << "Report written to " << *report << "\n";
+}
+
+// A track that arrives as it is written (standard input, a pipe, a FIFO):
+// each fix is handed in as soon as its line is complete, and its events are
+// printed at once. The stream sets the pace, so --realtime only turns the
+// sound on.
+int replayStream(const ParsedArgs& args, bool realSound) {
+  const TrackReadOptions options = trackOptions(args);
+  applyDataDir(args);
+  requireAreas(requireTrustedStore(StoreUse::kRead));
+  StoreLog log(false);
+  FixSession session(std::cout, {{args.has("json"), args.has("all-notices"),
+                                  args.has("quiet")},
+                                 realSound});
+  TrackStream stream(args.positional.front(), options);
+  Track seen;
+  std::vector<TrackFix> fixes;
+  for (bool more = true; more;) {
+    const std::size_t skippedBefore = seen.skipped.size();
+    more = stream.next(fixes, seen.skipped);
+    for (std::size_t i = skippedBefore; i < seen.skipped.size(); ++i) {
+      const SkippedFix& s = seen.skipped[i];
+      if (s.reason.rfind("bad sentence", 0) != 0) continue;
+      std::cerr << "tarvo replay: line " << s.sourceLine
+                << " skipped: " << s.reason << "\n";
+    }
+    for (const TrackFix& fix : fixes) {
+      const double index = static_cast<double>(seen.fixes.size());
+      session.hand(fix, fix.timeSeconds.value_or(index));
+      seen.fixes.push_back(fix);
+    }
+    if (!fixes.empty()) std::cout.flush();
+    fixes.clear();
+  }
+  requireFixes(args, seen);
+  if (!passesNearAreas(seen, *session.areas(), 5000.0)) {
+    std::cerr << "tarvo replay: warning: the track passes no stored area "
+                 "within 5 km; check that the store holds this airport\n";
+  }
+  session.printSummary(seen.skipped);
+  writeReport(args, session, seen.skipped);
+  return 0;
+}
+
 }  // namespace
 
 int runReplay(const ParsedArgs& args) {
+  if (isStreamPath(args.positional.front())) {
+    return replayStream(args, args.has("realtime"));
+  }
   const Track track = readTrack(args.positional.front(), trackOptions(args));
   requireFixes(args, track);
   double factor = 0.0;  // 0: as fast as possible
@@ -177,43 +194,23 @@ int runReplay(const ParsedArgs& args) {
   applyDataDir(args);
   requireAreas(requireTrustedStore(StoreUse::kRead));
   StoreLog log(false);
-  auto recorder = std::make_shared<ReplayRecorder>();
-  recorder->install(factor > 0.0);
-  const auto& monitor = Tarvo::sharedManager();
-  monitor->setDelegate(recorder);
-  monitor->initializes();
-  const AreaIndex areas(monitor->polygons());
-  if (!passesNearAreas(track, *monitor->polygons(), 5000.0)) {
+  FixSession session(std::cout, {{args.has("json"), args.has("all-notices"),
+                                  args.has("quiet")},
+                                 factor > 0.0});
+  if (!passesNearAreas(track, *session.areas(), 5000.0)) {
     std::cerr << "tarvo replay: warning: the track passes no stored area "
                  "within 5 km; check that the store holds this airport\n";
   }
 
-  EventPrinter printer(std::cout, {args.has("json"), args.has("all-notices"),
-                                   args.has("quiet")});
   const bool progress = isatty(STDERR_FILENO) && !args.has("quiet");
-  std::vector<FixRecord> records;
-  records.reserve(track.fixes.size());
   for (std::size_t i = 0; i < track.fixes.size(); ++i) {
     const TrackFix& fix = track.fixes[i];
     const double clock = fix.timeSeconds.value_or(static_cast<double>(i));
-    if (factor > 0.0 && i > 0 && clock > records.back().clockSeconds) {
-      waitFor(clock - records.back().clockSeconds, factor);
+    if (factor > 0.0 && i > 0 &&
+        clock > session.records().back().clockSeconds) {
+      waitFor(clock - session.records().back().clockSeconds, factor);
     }
-    recorder->beginFix(clock);
-    monitor->checkPointinPolygonLatitude(fix.latitude, fix.longitude,
-                                         fix.speedKmh, fix.headingDeg);
-    mainQueue().runPending();  // the play and stop tasks of this fix
-    FixRecord r = observe(*monitor, *recorder);
-    r.fix = fix;
-    r.index = i;
-    r.clockSeconds = clock;
-    if (r.area) {
-      r.state = areas.contains(r.area->guid, fix.latitude, fix.longitude)
-                    ? FixState::Inside
-                    : FixState::Near;
-    }
-    printer.onFix(r);
-    records.push_back(std::move(r));
+    session.hand(fix, clock);
     if (progress && (i % 50 == 0 || i + 1 == track.fixes.size())) {
       showProgress(i + 1, track.fixes.size());
     }
@@ -221,15 +218,8 @@ int runReplay(const ParsedArgs& args) {
   if (progress) std::cerr << "\r\033[K" << std::flush;
   if (factor > 0.0) waitFor(1.5, 1.0);  // let the last sound finish
 
-  const ReplaySummary summary = summarize(records, track.skipped);
-  printer.printSummary(summary, records);
-  if (auto report = args.value("report")) {
-    ReportInput input{args.positional.front(), monitor->polygons(), &records,
-                      &summary};
-    writeHtmlReport(*report, input);
-    (args.has("json") ? std::cerr : std::cout)
-        << "Report written to " << *report << "\n";
-  }
+  session.printSummary(track.skipped);
+  writeReport(args, session, track.skipped);
   return 0;
 }
 

@@ -40,6 +40,13 @@ StoreCheckReport requireTrustedStore(StoreUse use) {
   return report;
 }
 
+void requireAreas(const StoreCheckReport& report) {
+  if (report.areaCount > 0) return;
+  throw StoreFailure("no areas are stored in " + report.path +
+                     ", so there is nothing to warn about. Import the "
+                     "airport's areas first: tarvo import FILE");
+}
+
 void replaceEmptyStore() {
   const StoreCheckReport report = checkStore();
   if (report.status != Status::kDamaged || report.hasTables) return;

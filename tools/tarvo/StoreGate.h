@@ -27,6 +27,10 @@ enum class StoreUse { kRead, kWrite };
 // find no areas and the first write creates it.
 StoreCheckReport requireTrustedStore(StoreUse use);
 
+// Throws StoreFailure, saying how to import areas, when the checked store
+// holds none: a command that warns of areas must not run quietly on none.
+void requireAreas(const StoreCheckReport& report);
+
 // A store file without any table (empty, or its first creation was
 // interrupted) holds nothing, yet the store would never make its tables:
 // removes it, saying so on standard error, so that the next write creates

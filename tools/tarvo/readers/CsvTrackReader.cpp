@@ -1,5 +1,7 @@
 // CSV tracks: a header row, then one fix a row.
 #include <initializer_list>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -195,37 +197,73 @@ void addRow(const RowReader& row, const std::vector<std::string>& fields,
 
 }  // namespace
 
-Track parseCsvTrack(const std::string& path, const std::string& content,
-                    const TrackReadOptions& options) {
-  const std::vector<std::string> lines = text::splitLines(content);
+struct CsvStream::Impl {
+  std::string path;
+  TrackReadOptions options;
+  std::optional<Header> header;
+  Columns columns{};
+  double factor = 1.0;
   std::vector<std::string> fields;
-  if (lines.empty() || !splitCsv(lines[0], fields)) {
-    throw InputFailure({path, 1, "", "expected a header row"});
-  }
-  const Header header(path, fields);
-  const Columns columns = pickColumns(header, options);
-  const double factor = speedFactor(options.speedUnit);
   Track track;
-  for (std::size_t i = 1; i < lines.size(); ++i) {
-    const int line = static_cast<int>(i) + 1;
-    if (text::trim(lines[i]).empty()) continue;
-    if (!splitCsv(lines[i], fields)) {
+
+  void headerLine(const std::string& raw) {
+    if (!splitCsv(raw, fields)) {
+      throw InputFailure({path, 1, "", "expected a header row"});
+    }
+    header.emplace(path, fields);
+    columns = pickColumns(*header, options);
+    factor = speedFactor(options.speedUnit);
+  }
+
+  void row(const std::string& raw, int line) {
+    if (text::trim(raw).empty()) return;
+    if (!splitCsv(raw, fields)) {
       throw InputFailure({path, line, "", "unterminated quoted field"});
     }
-    if (fields.size() != header.size()) {
+    if (fields.size() != header->size()) {
       throw InputFailure({path, line, "columns",
-                          "expected " + std::to_string(header.size()) +
+                          "expected " + std::to_string(header->size()) +
                               " fields as in the header, found " +
                               std::to_string(fields.size())});
     }
     if (columns.filter >= 0 &&
         text::trim(fields[columns.filter]) != options.filterValue) {
-      continue;
+      return;
     }
-    addRow(RowReader(path, header, line, fields), fields, columns, header,
+    addRow(RowReader(path, *header, line, fields), fields, columns, *header,
            factor, line, track);
   }
-  return track;
+};
+
+CsvStream::CsvStream(std::string path, TrackReadOptions options)
+    : impl_(std::make_unique<Impl>()) {
+  impl_->path = std::move(path);
+  impl_->options = std::move(options);
+}
+
+CsvStream::~CsvStream() = default;
+
+void CsvStream::line(const std::string& raw, int number) {
+  if (!impl_->header) {
+    impl_->headerLine(raw);
+  } else {
+    impl_->row(raw, number);
+  }
+}
+
+Track& CsvStream::track() { return impl_->track; }
+
+Track parseCsvTrack(const std::string& path, const std::string& content,
+                    const TrackReadOptions& options) {
+  const std::vector<std::string> lines = text::splitLines(content);
+  if (lines.empty()) {
+    throw InputFailure({path, 1, "", "expected a header row"});
+  }
+  CsvStream stream(path, options);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    stream.line(lines[i], static_cast<int>(i) + 1);
+  }
+  return std::move(stream.track());
 }
 
 }  // namespace tarvo::cli::detail

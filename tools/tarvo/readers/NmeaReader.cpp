@@ -24,6 +24,7 @@
 //    form. Without a date, timeSeconds counts from midnight and timeText is
 //    "hh:mm:ss.sss". Time is taken as written, even when it goes backwards.
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -270,6 +271,11 @@ void NmeaParser::rmc(const std::vector<std::string>& f) {
     p.fix.timeText = text::formatIsoTime(*seconds).substr(11, 12);
   }
   pending_ = std::move(p);
+  // A later VTG or GGA only fills what the RMC left empty, so a complete
+  // fix is final at once: a stream warns on the RMC's own line.
+  if (pending_->hasPosition && pending_->hasSpeed && pending_->hasCourse) {
+    flush();
+  }
 }
 
 // VTG: course true, T, course magnetic, M, speed kt, N, speed km/h, K
@@ -328,6 +334,34 @@ void NmeaParser::flush() {
 }
 
 }  // namespace
+
+struct NmeaStream::Impl {
+  Impl(std::string p) : path(std::move(p)), parser(path, track) {}
+  std::string path;
+  Track track;
+  NmeaParser parser;
+};
+
+NmeaStream::NmeaStream(std::string path)
+    : impl_(std::make_unique<Impl>(std::move(path))) {}
+
+NmeaStream::~NmeaStream() = default;
+
+void NmeaStream::line(const std::string& raw, int number) {
+  try {
+    impl_->parser.line(raw, number, false);
+  } catch (const InputFailure& e) {
+    const InputError& error = e.error();
+    impl_->track.skipped.push_back(
+        {number, "bad sentence (" +
+                     (error.field.empty() ? "" : error.field + ": ") +
+                     error.message + ")"});
+  }
+}
+
+void NmeaStream::finish() { impl_->parser.finish(); }
+
+Track& NmeaStream::track() { return impl_->track; }
 
 Track parseNmeaTrack(const std::string& path, const std::string& content) {
   Track track;

@@ -4,6 +4,7 @@
 #ifndef TARVO_TOOLS_READERS_TRACKFORMATS_H_
 #define TARVO_TOOLS_READERS_TRACKFORMATS_H_
 
+#include <memory>
 #include <string>
 
 #include "readers/Records.h"
@@ -15,6 +16,40 @@ Track parseCsvTrack(const std::string& path, const std::string& text,
                     const TrackReadOptions& options);
 Track parseNmeaTrack(const std::string& path, const std::string& text);
 Track parseGpxTrack(const std::string& path, const std::string& text);
+
+// NMEA 0183 read a line at a time, from a stream that is still being
+// written. The rules are parseNmeaTrack's, except that a sentence that is
+// malformed or fails its checksum becomes a SkippedFix ("bad sentence
+// (FIELD: MESSAGE)") instead of ending the read, as a GPS daemon skips
+// line noise, and that a fix is added as soon as its RMC sentence is
+// complete. track() holds what was read so far; the caller may take the
+// fixes and skips out of it between lines.
+class NmeaStream {
+ public:
+  explicit NmeaStream(std::string path);
+  ~NmeaStream();
+  void line(const std::string& raw, int number);
+  void finish();  // adds the last RMC still waiting for its VTG or GGA
+  Track& track();
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+// CSV read a line at a time: the first line is the header, each later line
+// a row, with parseCsvTrack's rules and failures.
+class CsvStream {
+ public:
+  CsvStream(std::string path, TrackReadOptions options);
+  ~CsvStream();
+  void line(const std::string& raw, int number);
+  Track& track();
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
 
 // Checks shared by the track parsers. Each throws InputFailure naming the
 // file, the line and the field as the file calls it, and quoting the value.

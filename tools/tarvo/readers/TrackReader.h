@@ -14,7 +14,9 @@
 #ifndef TARVO_TOOLS_READERS_TRACKREADER_H_
 #define TARVO_TOOLS_READERS_TRACKREADER_H_
 
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "readers/Records.h"
 
@@ -76,6 +78,48 @@ struct TrackReadOptions {
 // that needs derived values but lacks a usable time, or whose time does not
 // advance, gives a SkippedFix. sourceLine is the trkpt's line.
 Track readTrack(const std::string& path, const TrackReadOptions& options);
+
+// Whether path is read as a stream, line by line as it is written: "-"
+// (standard input), a pipe or FIFO, or a character device (a serial GPS).
+bool isStreamPath(const std::string& path);
+
+// A track read as it arrives: each line is parsed as soon as it is complete,
+// so a fix reaches the caller while the writer is still writing. CSV and
+// NMEA only (GPX is one document; it is refused). The format comes from the
+// options, else from the extension, else from the first line that is not
+// blank: '$' or '!' starts NMEA, anything else is a CSV header. NMEA follows
+// the file rules except that a bad sentence is skipped and counted (see
+// detail::NmeaStream); CSV follows them fully.
+//
+// Failure: InputFailure when the path cannot be opened or read, and for
+// CSV input errors. Owns the descriptor it opened ("-" borrows standard
+// input). One thread at a time.
+class TrackStream {
+ public:
+  TrackStream(const std::string& path, const TrackReadOptions& options);
+  ~TrackStream();
+  TrackStream(const TrackStream&) = delete;
+  TrackStream& operator=(const TrackStream&) = delete;
+
+  // Blocks for the next line and parses it. Appends what it gave to fixes
+  // and skipped; false, with nothing more to come, at the end of input.
+  bool next(std::vector<TrackFix>& fixes, std::vector<SkippedFix>& skipped);
+
+  struct Parser;
+
+ private:
+  bool readLine(std::string& line);
+  void start(const std::string& firstLine);
+
+  std::string path_;
+  TrackReadOptions options_;
+  int fd_ = -1;
+  bool ownsFd_ = false;
+  std::string buffer_;
+  bool ended_ = false;
+  int lineNumber_ = 0;
+  std::unique_ptr<Parser> parser_;
+};
 
 // "auto", "csv", "nmea" or "gpx". Throws std::invalid_argument otherwise.
 TrackFormat parseTrackFormat(const std::string& name);

@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# tarvo watch against a real gpsd: gpsfake plays an NMEA log, made from a
+# recorded taxi-out at KMSP, into a gpsd on a free loopback port; the events
+# the watch reports must equal those of `tarvo replay` on the same log, and
+# the track it records must replay to the same events again.
+# Usage: watch_gpsfake.sh TARVO DATA_DIR WORK_DIR
+# Exit 77 (skipped) only when gpsfake cannot run on this machine.
+set -euo pipefail
+tool=$1 data=$2 work=$3
+here=$(cd "$(dirname "$0")" && pwd)
+export PATH=$PATH:/usr/sbin:/sbin SDL_AUDIODRIVER=dummy
+
+# gpsfake's own interpreter must find its module (python3-gps).
+if ! command -v gpsfake >/dev/null || ! command -v gpsd >/dev/null ||
+   ! "$(sed -n '1s/^#! *//p' "$(command -v gpsfake)")" -c 'import gps.fake' \
+     2>/dev/null; then
+  echo "SKIP: gpsfake, gpsd or python3-gps is missing"; exit 77
+fi
+
+rm -rf "$work" && mkdir -p "$work"
+"$tool" import "$data/airport-aptdat-flightgear/KMSP-areas.tsv" \
+  --data-dir "$work/store" >/dev/null
+"$here/csv_to_nmea.py" "$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv" \
+  KMSP-4-taxi-out-takeoff 60 > "$work/taxi.nmea"
+"$tool" replay "$work/taxi.nmea" --data-dir "$work/store" --json \
+  > "$work/replay.jsonl"
+
+port=$(python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+# The watch starts first and waits for gpsd, as it would for a daemon that
+# starts after it.
+"$tool" watch --gpsd "127.0.0.1:$port" --data-dir "$work/store" --json \
+  --no-sound --exit-after-idle 3 \
+  --record "$work/recorded.csv" > "$work/watch.jsonl" 2> "$work/watch.err" &
+watch_pid=$!
+# gpsfake ignores SIGTERM: it runs in a session of its own, so that it and
+# its gpsd can be ended together.
+setsid gpsfake -1 -q -P "$port" -c 0.02 "$work/taxi.nmea" \
+  > "$work/gpsfake.log" 2>&1 &
+gpsfake_pid=$!
+trap 'kill -KILL -- "-$gpsfake_pid" 2>/dev/null || true' EXIT
+status=0
+wait "$watch_pid" || status=$?
+cat "$work/watch.err"
+if ((status != 0)); then
+  echo "FAIL: tarvo watch exited with $status"; cat "$work/gpsfake.log"; exit 1
+fi
+grep -q "connected to gpsd at 127.0.0.1:$port" "$work/watch.err" ||
+  { echo "FAIL: no connection message"; exit 1; }
+# Every fix of the taxi itself must have come through (gpsd may drop the
+# first of the parked fixes before it).
+python3 - "$work/taxi.nmea" "$work/recorded.csv" <<'PY'
+import csv, sys
+sent = [l.split(",")[1] for l in open(sys.argv[1]) if ",A," in l][3:]
+got = {r["time_utc"][11:13] + r["time_utc"][14:16] + r["time_utc"][17:22]
+       for r in csv.DictReader(open(sys.argv[2]))}
+missing = [t for t in sent if t not in got]
+if missing:
+    sys.exit("FAIL: %d of %d fixes not received, the first at %s"
+             % (len(missing), len(sent), missing[0]))
+print("all %d fixes of the taxi received" % len(sent))
+PY
+
+echo "replay of the NMEA log vs watch:"
+"$here/compare_events.py" "$work/replay.jsonl" "$work/watch.jsonl"
+"$tool" replay "$work/recorded.csv" --data-dir "$work/store" --json \
+  > "$work/recorded.jsonl"
+echo "watch vs replay of its recorded track:"
+"$here/compare_events.py" "$work/watch.jsonl" "$work/recorded.jsonl"

@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# gpsd killed and started again during a watch: the watch says so,
+# reconnects by itself and goes on warning; every fix the second gpsd sends
+# arrives, and the events equal those of a replay of what it recorded.
+# Usage: watch_restart.sh TARVO DATA_DIR WORK_DIR
+# Exit 77 (skipped) only when gpsfake cannot run on this machine.
+set -euo pipefail
+tool=$1 data=$2 work=$3
+here=$(cd "$(dirname "$0")" && pwd)
+export PATH=$PATH:/usr/sbin:/sbin SDL_AUDIODRIVER=dummy
+
+if ! command -v gpsfake >/dev/null || ! command -v gpsd >/dev/null ||
+   ! "$(sed -n '1s/^#! *//p' "$(command -v gpsfake)")" -c 'import gps.fake' \
+     2>/dev/null; then
+  echo "SKIP: gpsfake, gpsd or python3-gps is missing"; exit 77
+fi
+
+rm -rf "$work" && mkdir -p "$work"
+"$tool" import "$data/airport-aptdat-flightgear/KMSP-areas.tsv" \
+  --data-dir "$work/store" >/dev/null
+"$here/csv_to_nmea.py" "$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv" \
+  KMSP-4-taxi-out-takeoff 60 > "$work/taxi.nmea"
+# The first gpsd plays the log up to the crossing of 04/22; the second one
+# the rest, after its own lead-in (no-fix and parked epochs).
+head -n 290 "$work/taxi.nmea" > "$work/first.nmea"
+{ head -n 126 "$work/taxi.nmea"; tail -n +291 "$work/taxi.nmea"; } \
+  > "$work/second.nmea"
+
+port=$(python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+"$tool" watch --gpsd "127.0.0.1:$port" --data-dir "$work/store" --json \
+  --no-sound --exit-after-idle 6 --record "$work/recorded.csv" \
+  > "$work/watch.jsonl" 2> "$work/watch.err" &
+watch_pid=$!
+pids=()
+trap 'for p in "${pids[@]}"; do kill -KILL -- "-$p" 2>/dev/null || true; done' EXIT
+setsid gpsfake -q -P "$port" -c 0.02 "$work/first.nmea" > "$work/gpsfake1.log" 2>&1 &
+pids+=($!)
+# Kill it (and its gpsd) once the first part has been sent: gpsfake
+# without -1 would start the log again.
+sleep 0.5
+while ! grep -q '"time":"2025-02-05T18:05:1' "$work/watch.jsonl" 2>/dev/null &&
+      kill -0 "$watch_pid" 2>/dev/null; do sleep 0.1; done
+kill -KILL -- "-${pids[0]}"
+sleep 1
+setsid gpsfake -1 -q -P "$port" -c 0.02 "$work/second.nmea" > "$work/gpsfake2.log" 2>&1 &
+pids+=($!)
+status=0
+wait "$watch_pid" || status=$?
+cat "$work/watch.err"
+((status == 0)) || { echo "FAIL: tarvo watch exited with $status"; exit 1; }
+grep -q "lost gpsd at 127.0.0.1:$port" "$work/watch.err" ||
+  { echo "FAIL: the loss of gpsd was not reported"; exit 1; }
+grep -q "reconnected to gpsd at 127.0.0.1:$port" "$work/watch.err" ||
+  { echo "FAIL: no reconnection"; exit 1; }
+
+# No fix of the second part may be lost after the reconnection.
+python3 - "$work/second.nmea" "$work/recorded.csv" <<'PY'
+import csv, sys
+sent = [l.split(",")[1] for l in open(sys.argv[1]) if ",A," in l][3:]
+got = {r["time_utc"][11:13] + r["time_utc"][14:16] + r["time_utc"][17:22]
+       for r in csv.DictReader(open(sys.argv[2]))}
+missing = [t for t in sent if t not in got]
+if missing:
+    sys.exit("FAIL: %d of %d fixes after the restart not received, the first "
+             "at %s" % (len(missing), len(sent), missing[0]))
+print("all %d fixes after the restart received" % len(sent))
+PY
+"$tool" replay "$work/recorded.csv" --data-dir "$work/store" --json \
+  > "$work/recorded.jsonl"
+echo "watch across the restart vs replay of its recorded track:"
+"$here/compare_events.py" "$work/recorded.jsonl" "$work/watch.jsonl"

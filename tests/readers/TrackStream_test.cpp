@@ -1,0 +1,89 @@
+// Tracks read as a stream: each fix must come with the line that completes
+// it, and a bad NMEA sentence must be skipped rather than end the read.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "readers/TrackReader.h"
+
+namespace tarvo::cli {
+namespace {
+
+// A pipe whose write end the test holds, read by a TrackStream through
+// /dev/fd, so that each line is read before the next is written.
+class Pipe {
+ public:
+  Pipe() {
+    if (pipe(fds_) != 0) ADD_FAILURE() << "pipe() failed";
+  }
+  ~Pipe() {
+    close(fds_[0]);
+    if (fds_[1] >= 0) close(fds_[1]);
+  }
+  std::string readPath() const { return "/dev/fd/" + std::to_string(fds_[0]); }
+  void write(const std::string& text) {
+    ASSERT_EQ(static_cast<ssize_t>(text.size()),
+              ::write(fds_[1], text.data(), text.size()));
+  }
+  void closeWriter() {
+    close(fds_[1]);
+    fds_[1] = -1;
+  }
+
+ private:
+  int fds_[2] = {-1, -1};
+};
+
+struct Step {
+  const char* line;
+  std::size_t fixesAfter;    // fixes read in all once this line is read
+  std::size_t skippedAfter;  // records skipped in all
+};
+
+void play(TrackFormat format, const std::vector<Step>& steps) {
+  Pipe pipe;
+  ASSERT_TRUE(isStreamPath(pipe.readPath()));
+  TrackReadOptions options;
+  options.format = format;
+  TrackStream stream(pipe.readPath(), options);
+  std::vector<TrackFix> fixes;
+  std::vector<SkippedFix> skipped;
+  for (const Step& s : steps) {
+    pipe.write(std::string(s.line) + "\r\n");
+    ASSERT_TRUE(stream.next(fixes, skipped)) << s.line;
+    EXPECT_EQ(s.fixesAfter, fixes.size()) << s.line;
+    EXPECT_EQ(s.skippedAfter, skipped.size()) << s.line;
+  }
+  pipe.closeWriter();
+  EXPECT_FALSE(stream.next(fixes, skipped));
+}
+
+TEST(TrackStream, NmeaFixComesWithItsRmcAndBadSentencesAreSkipped) {
+  play(TrackFormat::Auto,
+       {{"$GPRMC,120000.00,A,5000.0000,N,01000.0000,E,10.0,0.0,010124,,,A*6E",
+         1, 0},
+        // Checksum wrong: skipped, counted, and the read goes on.
+        {"$GPRMC,120001.00,A,5000.0030,N,01000.0000,E,10.0,0.0,010124,,,A*00",
+         1, 1},
+        {"not a sentence", 1, 2},
+        {"$GPRMC,120002.00,A,5000.0060,N,01000.0000,E,10.0,0.0,010124,,,A*6A",
+         2, 2}});
+}
+
+TEST(TrackStream, CsvRowsComeOneByOne) {
+  play(TrackFormat::Auto, {{"time,lat,lon,speed_kmh,heading", 0, 0},
+                           {"1,47.1,8.5,20,90", 1, 0},
+                           {"2,47.1,8.6,,90", 1, 1},
+                           {"3,47.1,8.7,20,90", 2, 1}});
+}
+
+TEST(TrackStream, GpxIsRefused) {
+  TrackReadOptions options;
+  options.format = TrackFormat::Gpx;
+  EXPECT_THROW(TrackStream("-", options), InputFailure);
+}
+
+}  // namespace
+}  // namespace tarvo::cli
