@@ -8,20 +8,7 @@
 set -euo pipefail
 tool=$1 data=$2 work=$3
 here=$(cd "$(dirname "$0")" && pwd)
-export PATH=$PATH:/usr/sbin:/sbin SDL_AUDIODRIVER=dummy
-
-# gpsfake's own interpreter must find its module (python3-gps).
-if ! command -v gpsfake >/dev/null || ! command -v gpsd >/dev/null ||
-   ! "$(sed -n '1s/^#! *//p' "$(command -v gpsfake)")" -c 'import gps.fake' \
-     2>/dev/null; then
-  echo "SKIP: gpsfake, gpsd or python3-gps is missing"; exit 77
-fi
-
-rm -rf "$work" && mkdir -p "$work"
-"$tool" import "$data/airport-aptdat-flightgear/KMSP-areas.tsv" \
-  --data-dir "$work/store" >/dev/null
-"$here/csv_to_nmea.py" "$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv" \
-  KMSP-4-taxi-out-takeoff 60 > "$work/taxi.nmea"
+. "$here/gpsd_setup.sh"
 "$tool" replay "$work/taxi.nmea" --data-dir "$work/store" --json \
   > "$work/replay.jsonl"
 

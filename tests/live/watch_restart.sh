@@ -7,19 +7,7 @@
 set -euo pipefail
 tool=$1 data=$2 work=$3
 here=$(cd "$(dirname "$0")" && pwd)
-export PATH=$PATH:/usr/sbin:/sbin SDL_AUDIODRIVER=dummy
-
-if ! command -v gpsfake >/dev/null || ! command -v gpsd >/dev/null ||
-   ! "$(sed -n '1s/^#! *//p' "$(command -v gpsfake)")" -c 'import gps.fake' \
-     2>/dev/null; then
-  echo "SKIP: gpsfake, gpsd or python3-gps is missing"; exit 77
-fi
-
-rm -rf "$work" && mkdir -p "$work"
-"$tool" import "$data/airport-aptdat-flightgear/KMSP-areas.tsv" \
-  --data-dir "$work/store" >/dev/null
-"$here/csv_to_nmea.py" "$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv" \
-  KMSP-4-taxi-out-takeoff 60 > "$work/taxi.nmea"
+. "$here/gpsd_setup.sh"
 # The first gpsd plays the log up to the crossing of 04/22; the second one
 # the rest, after its own lead-in (no-fix and parked epochs).
 head -n 290 "$work/taxi.nmea" > "$work/first.nmea"
