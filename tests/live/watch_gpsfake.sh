@@ -16,7 +16,7 @@ port=$(python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0));
 # The watch starts first and waits for gpsd, as it would for a daemon that
 # starts after it.
 "$tool" watch --gpsd "127.0.0.1:$port" --data-dir "$work/store" --json \
-  --no-sound --exit-after-idle 3 \
+  --no-sound --exit-after-idle 10 \
   --record "$work/recorded.csv" > "$work/watch.jsonl" 2> "$work/watch.err" &
 watch_pid=$!
 # gpsfake ignores SIGTERM: it runs in a session of its own, so that it and
