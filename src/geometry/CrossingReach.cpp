@@ -3,6 +3,7 @@
 // in the same order, as the crossing latitude they bound.
 #include "geometry/CrossingReach.h"
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 
@@ -36,7 +37,59 @@ void addEdge(const DMPoint& pi, const DMPoint& pj, CrossingReach& reach) {
   }
 }
 
+// The crossing latitude of edge (i, j) at lon, in the test's operations.
+double crossingLatitude(const DMPoint& pi, const DMPoint& pj, double lon) {
+  double d = pj.latitude() - pi.latitude();
+  d = d * (lon - pi.longitude());
+  d = d / (pj.longitude() - pi.longitude());
+  return d + pi.latitude();
+}
+
+// Widens the slab's bounds by the edge's crossing latitudes over the part of
+// the edge inside it; false when one of them is not finite.
+bool addEdgeToSlab(const DMPoint& pi, const DMPoint& pj, ReachSlab& slab) {
+  const double iLon = pi.longitude(), jLon = pj.longitude();
+  if (iLon == jLon) return true;  // never flips
+  const double west = std::max(std::min(iLon, jLon), slab.west);
+  const double east = std::min(std::max(iLon, jLon), slab.east);
+  if (west > east) return true;  // does not meet the slab
+  const double a = crossingLatitude(pi, pj, west);
+  const double b = crossingLatitude(pi, pj, east);
+  if (!std::isfinite(a) || !std::isfinite(b)) return false;
+  slab.north = std::max(slab.north, std::max(a, b));
+  slab.south = std::min(slab.south, std::min(a, b));
+  return true;
+}
+
 }  // namespace
+
+std::vector<ReachSlab> crossingSlabs(const DMPoint* vertices,
+                                     std::int32_t count,
+                                     const CrossingReach& reach, int slabs) {
+  std::vector<ReachSlab> out;
+  if (vertices == nullptr || count <= 0 || slabs < 1 || reach.openSouth ||
+      !std::isfinite(reach.minLon) || !std::isfinite(reach.maxLon) ||
+      !(reach.minLon < reach.maxLon)) {
+    return out;
+  }
+  const double span = reach.maxLon - reach.minLon;
+  for (int k = 0; k < slabs; ++k) {
+    const double west = k == 0 ? reach.minLon : out.back().east;
+    const double east =
+        k == slabs - 1 ? reach.maxLon : reach.minLon + span * (k + 1) / slabs;
+    out.push_back({west, east, CrossingReach::kInf, -CrossingReach::kInf});
+  }
+  for (ReachSlab& slab : out) {
+    for (std::int32_t i = 0, j = count - 1; i < count; j = i++) {
+      if (!addEdgeToSlab(vertices[i], vertices[j], slab)) return {};
+    }
+  }
+  std::vector<ReachSlab> met;
+  for (const ReachSlab& slab : out) {
+    if (slab.south <= slab.north) met.push_back(slab);
+  }
+  return met;
+}
 
 bool floatCanHold(double lon) {
   if (!std::isfinite(lon) || std::fabs(lon) > FLT_MAX) return false;

@@ -30,6 +30,35 @@ const DMPointArray* ringOf(const std::shared_ptr<DMPolygon>& area) {
   return area ? area->polygonPoints().get() : nullptr;
 }
 
+double boxArea(double west, double east, double south, double north) {
+  return (east - west) * (north - south);
+}
+
+// The index entries of a bounded area: its slabs where they cover clearly
+// less than its whole reach (a ring at an angle), else the one box.
+void addBoxes(const DMPointArray& ring, const CrossingReach& r,
+              std::uint32_t position, std::vector<Entry>& entries) {
+  constexpr int kSlabs = 8;
+  constexpr double kWorthIt = 0.6;  // of the whole box's area
+  const std::vector<ReachSlab> slabs = crossingSlabs(
+      ring.data(), static_cast<std::int32_t>(ring.size()), r, kSlabs);
+  double covered = 0;
+  for (const ReachSlab& s : slabs) {
+    covered += boxArea(s.west, s.east, s.south, s.north);
+  }
+  const double whole = boxArea(r.minLon, r.maxLon, r.southBound, r.northBound);
+  if (slabs.empty() || !(covered < kWorthIt * whole)) {
+    entries.emplace_back(
+        Box(Point(r.minLon, r.southBound), Point(r.maxLon, r.northBound)),
+        position);
+    return;
+  }
+  for (const ReachSlab& s : slabs) {
+    entries.emplace_back(Box(Point(s.west, s.south), Point(s.east, s.north)),
+                         position);
+  }
+}
+
 }  // namespace
 
 struct ZoneIndex::Tree {
@@ -125,9 +154,7 @@ void ZoneIndex::rebuild(const std::shared_ptr<DMPolygonArray>& list) {
     const auto position = static_cast<std::uint32_t>(k);
     if (r.meridianTies) addMeridians(*ring, position);
     if (isBounded(r)) {
-      entries.emplace_back(
-          Box(Point(r.minLon, r.southBound), Point(r.maxLon, r.northBound)),
-          position);
+      addBoxes(*ring, r, position, entries);
     } else {
       unbounded_.push_back(position);
     }
@@ -168,7 +195,9 @@ const std::vector<std::uint32_t>& ZoneIndex::candidates(
         bgi::intersects(Box(Point(west, south), Point(east, north))),
         boost::iterators::make_function_output_iterator(
             [this](const Entry& e) { found_.push_back(e.second); }));
+    // An area with several slabs can come more than once.
     std::sort(found_.begin(), found_.end());
+    found_.erase(std::unique(found_.begin(), found_.end()), found_.end());
   }
   const std::size_t sorted = found_.size();
   if (!meridians_.empty()) {

@@ -3,9 +3,10 @@
 //
 // Each area gets its CrossingReach (geometry/CrossingReach.h): outside it the
 // crossing test provably answers "outside". Reaches with finite bounds go
-// into an R-tree; the others (open to the south, or with an infinite bound)
-// are kept in a list that every query returns. An area with meridian ties
-// is also reachable from due south along its float-exact vertex
+// into an R-tree, as one box or, for a ring at an angle, as the boxes of its
+// slabs (crossingSlabs); the others (open to the south, or with an infinite
+// bound) are kept in a list that every query returns. An area with meridian
+// ties is also reachable from due south along its float-exact vertex
 // longitudes: a table of those longitudes finds it for a probe on one. A query
 // returns, in list order, every area whose reach may hold one of the probes: a
 // superset of the areas that can match, which the evaluation then tests one by
