@@ -38,13 +38,10 @@ nlohmann::json leadJson(const ReplaySummary& summary,
   for (const RunwayEntry& e : summary.lead.entries) {
     const FixRecord& entry = records[e.entryIndex];
     const FixRecord& warning = records[e.warningIndex];
-    nlohmann::json j = {{"runway", e.runway},
-                        {"area", e.area.name},
-                        {"guid", e.area.guid},
-                        {"entry", fixTime(entry)},
-                        {"entryLine", entry.fix.sourceLine},
-                        {"warned", e.warned},
-                        {"atFlightStart", e.atFlightStart}};
+    nlohmann::json j = {
+        {"runway", e.runway},      {"area", e.area},
+        {"entry", fixTime(entry)}, {"entryLine", entry.fix.sourceLine},
+        {"warned", e.warned},      {"atFlightStart", e.atFlightStart}};
     if (e.warned) {
       j["firstWarning"] = fixTime(warning);
       j["firstWarningLine"] = warning.fix.sourceLine;

@@ -21,6 +21,8 @@ struct ReportInput {
   std::shared_ptr<DMPolygonArray> areas;  // may be null
   const std::vector<FixRecord>* records;
   const ReplaySummary* summary;
+  // What was replayed, as label and value (file, filter, store, ...).
+  std::vector<std::pair<std::string, std::string>> facts;
 };
 
 // Writes the page. Throws std::runtime_error when the file cannot be

@@ -133,7 +133,7 @@ std::string formatSummary(const ReplaySummary& summary,
   out << "Warning lead time: " << statsLine(leadStats(summary.lead)) << "\n";
   n = 0;
   for (const RunwayEntry& e : summary.lead.entries) {
-    out << "  " << ++n << ". " << e.area.name << " entered "
+    out << "  " << ++n << ". " << e.area << " entered "
         << fixTime(records[e.entryIndex]) << " (line "
         << records[e.entryIndex].fix.sourceLine << "): ";
     if (e.warned) {

@@ -62,8 +62,8 @@ struct FixRecord {
   std::optional<AreaRef> area;
   bool onRunway = false;
   FixState state = FixState::Outside;
-  // Identifiers of the hazard areas that hold the fix's own position,
-  // whichever area the monitor named.
+  // Names of the hazard areas that hold the fix's own position, whichever
+  // area the monitor named.
   std::vector<std::string> hazardsInside;
   // The six look-ahead points, far left/middle/right then near
   // left/middle/right, as the monitor computed them for this fix.

@@ -23,6 +23,21 @@ std::string runwayKey(const std::string& areaName) {
   return areaName;
 }
 
+namespace {
+
+// The runway keys of the hazard areas that hold the fix's own position.
+std::vector<std::string> keysInside(const FixRecord& r) {
+  std::vector<std::string> keys;
+  for (const std::string& name : r.hazardsInside) {
+    const std::string key = runwayKey(name);
+    if (std::find(keys.begin(), keys.end(), key) == keys.end())
+      keys.push_back(key);
+  }
+  return keys;
+}
+
+}  // namespace
+
 LeadTimes findLeadTimes(const std::vector<FixRecord>& records) {
   LeadTimes out;
   struct Open {
@@ -31,7 +46,7 @@ LeadTimes findLeadTimes(const std::vector<FixRecord>& records) {
     std::size_t start = 0;
     std::size_t last = 0;
     bool entered = false;   // an entry counted
-    bool occupied = false;  // the monitor named a hazard with the aircraft in
+    bool occupied = false;  // the aircraft stood on the runway meanwhile
     bool active = false;
   } open;
   auto close = [&] {
@@ -43,35 +58,47 @@ LeadTimes findLeadTimes(const std::vector<FixRecord>& records) {
     }
     open.active = false;
   };
+  std::vector<std::string> before;
   for (std::size_t i = 0; i < records.size(); ++i) {
     const FixRecord& r = records[i];
     const bool flightStart = i == 0 || records[i - 1].flight != r.flight;
+    if (flightStart) before.clear();
     const std::string key = r.area ? runwayKey(r.area->name) : std::string();
-    if (open.active && (flightStart || key != open.runway)) close();
-    if (key.empty()) continue;
-    if (!open.active) open = Open{key, r.flight, i, i, false, false, true};
-    open.last = i;
-    if (!r.area->hazard || r.state != FixState::Inside) continue;
-    open.occupied = true;
-    if (open.entered) continue;
-    if (!flightStart) {
-      const auto& before = records[i - 1].hazardsInside;
-      if (std::find(before.begin(), before.end(), r.area->guid) != before.end())
-        continue;
+    if (open.active &&
+        (flightStart || (!key.empty() && key != open.runway) ||
+         (key.empty() && r.clockSeconds - records[open.last].clockSeconds >
+                             kWarningGapSeconds)))
+      close();
+    if (!key.empty()) {
+      if (!open.active) open = Open{key, r.flight, i, i, false, false, true};
+      open.last = i;
     }
-    open.entered = true;
-    const FixRecord& first = records[open.start];
-    RunwayEntry e;
-    e.flight = r.flight;
-    e.runway = key;
-    e.area = *r.area;
-    e.firstWarning = *first.area;
-    e.warningIndex = open.start;
-    e.entryIndex = i;
-    e.warned = open.start < i;
-    e.atFlightStart = flightStart;
-    e.leadSeconds = r.clockSeconds - first.clockSeconds;
-    out.entries.push_back(e);
+    std::vector<std::string> now = keysInside(r);
+    for (const std::string& k : now) {
+      const bool episode = open.active && open.runway == k;
+      if (episode) open.occupied = true;
+      if (std::find(before.begin(), before.end(), k) != before.end()) continue;
+      if (episode && open.entered) continue;  // back on it: same approach
+      RunwayEntry e;
+      e.flight = r.flight;
+      e.runway = k;
+      for (const std::string& name : r.hazardsInside) {
+        if (runwayKey(name) == k) e.area = name;
+      }
+      e.entryIndex = i;
+      e.warningIndex = i;
+      e.atFlightStart = flightStart;
+      if (episode) {
+        open.entered = true;
+        const FixRecord& first = records[open.start];
+        e.firstWarning = *first.area;
+        e.warningIndex = open.start;
+        e.warned = open.start < i;
+        e.leadSeconds = r.clockSeconds - first.clockSeconds;
+      }
+      out.entries.push_back(e);
+    }
+    before = std::move(now);
   }
   close();
   return out;

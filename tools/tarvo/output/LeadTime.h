@@ -6,25 +6,32 @@
 // "RWY", its two ends in sorted order so that "30L/12R" is the same runway).
 // A name without "RWY" is its own key.
 //
-// A warning episode is a maximal run of consecutive fixes of one flight on
-// each of which the monitor named an area of the same runway key (the
-// runway, or any of its hold-shorts, predicted or inside). A fix that names
-// no area, another runway's area, or begins another flight ends it. The
-// first warning of an entry is the first fix of the episode that holds it;
-// a warning given earlier and then interrupted does not count, since the
-// pilot heard it end.
+// A warning episode is a run of fixes of one flight on which the monitor
+// named an area of the same runway key (the runway, or any of its
+// hold-shorts, predicted or inside). A fix that names another runway's area,
+// the start of another flight, or a fix that names no area more than
+// kWarningGapSeconds of track time after the episode's last warning ends it;
+// fixes that name no area sooner do not (a warning that flickers off for a
+// fix or two is one warning to the pilot). A sparse track whose next fix
+// names the key again, however late, continues the episode. The first warning
+// of an entry is the first fix of the episode that holds it; a warning that
+// ended before does not count.
 //
-// An entry is a fix on which the monitor named a hazard area with the
-// aircraft's own position inside it, when the position on the flight's
-// previous fix was not inside that area (FixRecord::hazardsInside): where two
-// runways cross, the monitor may name the crossing runway for a few fixes
-// while the aircraft rolls on along the first, and coming back to the first
-// is no new entry. Only the first entry of an episode counts. Its lead time is
-// the track time from the episode's first fix to the entry fix; an entry on
-// the episode's first fix had no warning. An episode on which the monitor
-// never named a hazard area with the aircraft inside is a warning not
-// followed by an entry (a nuisance candidate: it may also be a
-// correct warning that the pilot heeded).
+// An entry is a fix whose own position lies in a hazard area of a runway key
+// (FixRecord::hazardsInside, tested as the monitor tests) when the flight's
+// previous fix did not lie in one of that key: rolling from a runway into a
+// part of it named apart, such as "LSZH RWY 16/34 DISPLACED THRESHOLD", is no
+// new entry, nor is a fix on which the monitor named a crossing runway while
+// the aircraft rolled on along the first. The position decides, not the area
+// the monitor named on that fix, which may be another one first in its list.
+// The entry's lead time is the track time from the first fix of the warning
+// episode of its runway open at that fix to the entry fix; with no such
+// episode, or one that starts on the entry fix, the entry had no warning. A
+// second entry in the same episode (off the runway and back on it while the
+// warning goes on) is the same approach and is not counted again. An episode
+// during which the aircraft never stood on its runway is a warning not
+// followed by an entry (a nuisance candidate: it may also be a correct
+// warning that the pilot heeded).
 #ifndef TARVO_TOOLS_TARVO_OUTPUT_LEADTIME_H_
 #define TARVO_TOOLS_TARVO_OUTPUT_LEADTIME_H_
 
@@ -37,14 +44,16 @@
 
 namespace tarvo::cli {
 
+inline constexpr double kWarningGapSeconds = 5.0;
+
 // "KMSP HOLD SHORT RWY 30L/12R #3" -> "KMSP RWY 12R/30L".
 std::string runwayKey(const std::string& areaName);
 
 struct RunwayEntry {
   std::size_t flight = 0;
-  std::string runway;  // runwayKey of the area entered
-  AreaRef area;        // the hazard area entered
-  AreaRef firstWarning;
+  std::string runway;    // runwayKey of the area entered
+  std::string area;      // name of the hazard area entered
+  AreaRef firstWarning;  // the area the first warning named, when warned
   std::size_t warningIndex = 0;  // first fix of the episode
   std::size_t entryIndex = 0;
   bool warned = false;         // warningIndex < entryIndex

@@ -46,7 +46,7 @@ FixSession::FixSession(std::ostream& out, Options options)
         !ring || ring->empty()) {
       continue;
     }
-    Box box{guid, 90, -90, 180, -180};
+    Box box{guid, a->polygonName().value_or(""), 90, -90, 180, -180};
     for (const DMPoint& p : *ring) {
       box.south = std::min(box.south, p.latitude());
       box.north = std::max(box.north, p.latitude());
@@ -102,7 +102,7 @@ const FixRecord& FixSession::hand(const TrackFix& fix, double clockSeconds) {
     if (fix.latitude >= b.south && fix.latitude <= b.north &&
         fix.longitude >= b.west && fix.longitude <= b.east &&
         contains(b.guid, fix.latitude, fix.longitude)) {
-      r.hazardsInside.push_back(b.guid);
+      r.hazardsInside.push_back(b.name);
     }
   }
   if (r.area) {

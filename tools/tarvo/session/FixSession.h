@@ -76,7 +76,7 @@ class FixSession {
   std::map<std::string, std::shared_ptr<DMPolygon>> byGuid_;
   // The hazard areas' bounding boxes, for FixRecord::hazardsInside.
   struct Box {
-    std::string guid;
+    std::string guid, name;
     double south, north, west, east;
   };
   std::vector<Box> hazardBoxes_;
