@@ -17,10 +17,10 @@
 
 #include "Commands.h"
 #include "EventPrinter.h"
-#include "HtmlReport.h"
 #include "IncursionSummary.h"
 #include "ReplayRecorder.h"
 #include "StoreGate.h"
+#include "output/HtmlReport.h"
 #include "readers/TrackReader.h"
 #include "session/FixSession.h"
 

@@ -111,6 +111,9 @@ const FixRecord& FixSession::hand(const TrackFix& fix, double clockSeconds) {
                   : FixState::Near;
   }
   printer_.onFix(r);
+  // Printed; the summary and the report need only the area and the state,
+  // and a long replay must not keep a notice per fix.
+  std::vector<Notice>().swap(r.notices);
   records_.push_back(std::move(r));
   return records_.back();
 }
