@@ -99,7 +99,7 @@ Options:
   --group-by COLUMN      replay each value of the CSV COLUMN as a flight of
                          its own, with a fresh monitor (rows may interleave);
                          a GPX file's trkseg and an NMEA log's runs without
-                         a gap over 60 s are flights without this option
+                         a gap over 5 min are flights without this option
   --all-notices          print every notice (the monitor sends one per fix),
                          not only entries and exits
   --json                 JSON Lines: one object per notice, entry, exit and

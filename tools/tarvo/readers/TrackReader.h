@@ -54,8 +54,11 @@ struct TrackReadOptions {
 
 // An NMEA log whose fixes are more than this many seconds apart is taken as
 // several recordings: each run without such a gap is a segment ("segment 1",
-// "segment 2", ...) and is replayed as a flight of its own.
-inline constexpr double kNmeaSegmentGapSeconds = 60.0;
+// "segment 2", ...) and is replayed as a flight of its own. A receiver writes
+// a fix every second or so while it has one; ADS-B positions of an aircraft
+// holding short may pause for over a minute, five minutes without any means
+// the recording stopped (the device was off between flights).
+inline constexpr double kNmeaSegmentGapSeconds = 300.0;
 
 // Names the segments of a track by the gaps above (only when there is a
 // gap; a time going backwards is no gap).
