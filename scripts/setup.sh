@@ -9,7 +9,7 @@ set -euo pipefail
 
 packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev libboost-dev
           nlohmann-json3-dev libpugixml-dev libgps-dev
-          libespeak-ng-dev espeak-ng-data)
+          libespeak-ng-dev espeak-ng-data libjs-leaflet)
 case "${1:-}" in
   --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame
                       chromium clang gpsd gpsd-clients) ;;

@@ -1,6 +1,10 @@
 #!/usr/bin/env bash
-# Replays a KMSP taxi-out with --report, opens the page in headless Chromium
-# and checks that its script ran without errors and that it drew something.
+# Replays a KMSP taxi-out and the LSZH flights with --report, opens the pages
+# in headless Chromium at 1280x900 and checks what the page's script reports
+# of itself in #state (window.tarvoReport as JSON): the map, the area names,
+# the scale bar, the timeline and the events exist, and a click on an event
+# (driven by the page's "?select=N" hook, which clicks the N-th row) zooms
+# the map onto that event's fix with its six look-ahead points.
 # Usage: report_check.sh TOOL DATA_DIR WORK_DIR
 # Exit 77 (skipped) when Chromium is not installed.
 set -uo pipefail
@@ -8,9 +12,13 @@ tool="$1" data="$2" work="$3/report"
 browser=$(command -v chromium || command -v chromium-browser) || {
   echo "chromium is not installed"; exit 77; }
 rm -rf "$work" && mkdir -p "$work"
-"$tool" import "$data/airport-aptdat-flightgear/KMSP-areas.tsv" --data-dir "$work/store" > /dev/null || exit 1
-"$tool" replay "$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv" --data-dir "$work/store" \
-  --where segment=KMSP-4-taxi-out-takeoff --quiet --report "$work/kmsp.html" || exit 1
+"$tool" import "$data/airport-aptdat-flightgear/KMSP-areas.tsv" --data-dir "$work/kmsp" > /dev/null || exit 1
+"$tool" replay "$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv" --data-dir "$work/kmsp" \
+  --where segment=KMSP-4-taxi-out-takeoff --quiet --report "$work/kmsp.html" > /dev/null || exit 1
+"$tool" import "$data/airport-osm-lszh/lszh-osm-areas.tsv" --data-dir "$work/lszh" > /dev/null || exit 1
+"$tool" replay "$data/adsb-tracks-lszh-opensky/lszh-tracks.csv" --data-dir "$work/lszh" --group-by flight \
+  --speed-column derived_speed_kmh_5s --heading-column derived_track_deg_5s --quiet \
+  --report "$work/lszh.html" > /dev/null || exit 1
 
 run_browser() {
   "$browser" --headless --no-sandbox --disable-gpu --disable-quic --no-first-run \
@@ -18,20 +26,62 @@ run_browser() {
     --user-data-dir="$(mktemp -d "$work/profile.XXXX")" --window-size=1280,900 "$@"
 }
 failed=0
-run_browser --enable-logging=stderr --v=0 --dump-dom "file://$work/kmsp.html" \
-  > "$work/dom.html" 2> "$work/console.txt"
-if grep -E 'Uncaught|CONSOLE.*(Error|error)' "$work/console.txt"; then
-  echo "FAIL: script errors in the page"; failed=1
-fi
-# The page's script writes this line only when it has run to the end.
-if ! grep -Eo 'rendered: [0-9]+ events, [0-9]+ fixes outside, [0-9]+ near, [1-9][0-9]* inside' \
-    "$work/dom.html"; then
-  echo "FAIL: the page's script did not finish"; failed=1
-fi
-for kind in 'area hazard' 'area hold' 'fix inside' 'fix near' 'class="fan"'; do
-  grep -q "$kind" "$work/dom.html" || { echo "FAIL: nothing drawn as $kind"; failed=1; }
-done
+fail() { echo "FAIL: $*"; failed=1; }
+
+# check PAGE QUERY NAME PYTHON-CHECKS: loads PAGE?QUERY, then runs the
+# checks on `state` (the page's JSON) and `data` (the replay it was given).
+check() {
+  local page="$1" query="$2" name="$3" checks="$4"
+  run_browser --enable-logging=stderr --v=0 --dump-dom "file://$work/$page?$query" \
+    > "$work/$name.dom" 2> "$work/$name.console"
+  if grep -E 'Uncaught|CONSOLE.*(Error|error)' "$work/$name.console"; then
+    fail "$name: script errors in the page"
+  fi
+  python3 - "$work/$name.dom" "$work/$page" "$name" "$checks" <<'PY' || failed=1
+import html, json, re, sys
+dom, page, name, checks = open(sys.argv[1]).read(), open(sys.argv[2]).read(), sys.argv[3], sys.argv[4]
+m = re.search(r'<pre id="state"[^>]*>([^<]*)</pre>', dom)
+if not m or not m.group(1):
+    sys.exit(f"FAIL: {name}: the page's script did not finish")
+state = json.loads(html.unescape(m.group(1)))
+data = json.loads(re.search(r'<script id="tarvo-data" type="application/json">(.*?)</script>', page, re.S).group(1))
+for line in checks.strip().splitlines():
+    if not eval(line):
+        sys.exit(f"FAIL: {name}: {line.strip()}  (state: {json.dumps(state)[:400]})")
+print(f"{name}: ok")
+PY
+}
+
+# The page draws every stored area and names each on the map.
+check kmsp.html "" kmsp "
+state['map'] and state['scale'] and state['north'] and state['timeline']
+state['areas'] == 59 and state['labels'] == 59
+state['events'] >= 10 and state['drawnFixes'] == 179
+state['selected'] is None
+"
+# The fourth row of the first table is the entry into 12R/30L (the lead-time
+# table lists three entries, then the events start): after its click the map
+# is centred on that fix, zoomed in so far that its look-ahead shows.
+check kmsp.html "select=1" kmsp-select "
+state['selected']['fix'] == data['flights'][0]['lead']['entries'][1]['fix']
+abs(state['selected']['center'][0] - data['fixes'][str(state['selected']['fix'])][1]) < 1e-5
+abs(state['selected']['center'][1] - data['fixes'][str(state['selected']['fix'])][2]) < 1e-5
+state['selected']['lookAhead'] == 6 and state['selected']['zoom'] >= 17
+"
+# Ten flights, each with its own section; choosing one flight's event shows
+# that flight on the timeline.
+check lszh.html "" lszh "
+state['flights'] == 10 and len(data['flights']) == 10
+[f['name'] for f in data['flights']][5] == 'SWR137H-4b1614'
+state['shownFlight'] == 0
+"
+[[ $(grep -o '<section class="flight"' "$work/lszh.dom" | wc -l) == 10 ]] || fail "lszh: not one section per flight"
+
 run_browser --screenshot="$work/kmsp.png" "file://$work/kmsp.html" 2> /dev/null
-if [[ ! -s "$work/kmsp.png" ]]; then echo "FAIL: no screenshot"; failed=1; fi
-echo "screenshot: $work/kmsp.png"
+run_browser --screenshot="$work/kmsp-select.png" "file://$work/kmsp.html?select=1" 2> /dev/null
+run_browser --screenshot="$work/lszh.png" "file://$work/lszh.html?flight=5" 2> /dev/null
+for png in kmsp kmsp-select lszh; do
+  [[ -s "$work/$png.png" ]] || fail "no screenshot $png.png"
+  echo "screenshot: $work/$png.png"
+done
 exit $failed

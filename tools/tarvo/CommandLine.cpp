@@ -69,8 +69,13 @@ const char kReplayHelp[] =
 Hands every fix of a recorded track to the monitor, in file order, against
 the stored areas, and prints what a pilot's app would hear: each entry into
 and exit from an area, and each start and stop of the caution sound, with the
-time of the fix. Ends with a summary: fixes read and skipped, and every
-incursion episode (area, kind, start, end, duration).
+time of the fix. Ends with a summary: fixes read and skipped, every
+incursion episode (area, kind, start, end, duration), and the warning lead
+time: for each entry of the aircraft into a runway, the seconds since the
+first warning of the unbroken run of warnings (for that runway or its
+hold-short areas, tied by name: "KMSP HOLD SHORT RWY 12R/30L #3" belongs to
+"KMSP RWY 12R/30L") that led to it; entries with no warning; and warnings
+that no entry followed.
 
 TRACK formats: CSV (with a header line), NMEA 0183 (RMC sentences), GPX.
 
@@ -91,6 +96,10 @@ Options:
   --time-column C        CSV column of the time
   --speed-unit kmh|kt|mps  unit of the speed column (default kmh)
   --where COLUMN=VALUE   use only the CSV rows whose COLUMN is VALUE
+  --group-by COLUMN      replay each value of the CSV COLUMN as a flight of
+                         its own, with a fresh monitor (rows may interleave);
+                         a GPX file's trkseg and an NMEA log's runs without
+                         a gap over 5 min are flights without this option
   --all-notices          print every notice (the monitor sends one per fix),
                          not only entries and exits
   --json                 JSON Lines: one object per notice, entry, exit and
@@ -186,6 +195,7 @@ const std::vector<CommandSpec>& commandTable() {
         {"time-column", OptionValue::Required},
         {"speed-unit", OptionValue::Required},
         {"where", OptionValue::Required},
+        {"group-by", OptionValue::Required},
         {"all-notices", OptionValue::None},
         {"json", OptionValue::None},
         {"realtime", OptionValue::Optional},

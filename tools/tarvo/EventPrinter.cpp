@@ -17,10 +17,76 @@ std::string soundText(const SoundCall& s) {
          " times)";
 }
 
+nlohmann::json statsJson(const LeadStats& s) {
+  auto seconds = [](const std::optional<double>& v) {
+    return v ? nlohmann::json(*v) : nlohmann::json(nullptr);
+  };
+  return {{"entries", s.entries},
+          {"warned", s.warned},
+          {"unwarned", s.unwarned},
+          {"warningsWithoutEntry", s.unentered},
+          {"minimumSeconds", seconds(s.minimumSeconds)},
+          {"medianSeconds", seconds(s.medianSeconds)}};
+}
+
+// Entries with their lead times, warnings with no entry, and the figures
+// over the whole replay and per flight.
+nlohmann::json leadJson(const ReplaySummary& summary,
+                        const std::vector<FixRecord>& records) {
+  const bool grouped = !summary.flights.empty();
+  nlohmann::json entries = nlohmann::json::array();
+  for (const RunwayEntry& e : summary.lead.entries) {
+    const FixRecord& entry = records[e.entryIndex];
+    const FixRecord& warning = records[e.warningIndex];
+    nlohmann::json j = {
+        {"runway", e.runway},      {"area", e.area},
+        {"entry", fixTime(entry)}, {"entryLine", entry.fix.sourceLine},
+        {"warned", e.warned},      {"atFlightStart", e.atFlightStart}};
+    if (e.warned) {
+      j["firstWarning"] = fixTime(warning);
+      j["firstWarningLine"] = warning.fix.sourceLine;
+      j["firstWarningArea"] = e.firstWarning.name;
+      j["leadSeconds"] = e.leadSeconds;
+    }
+    if (grouped) j["flight"] = flightName(summary, e.flight);
+    entries.push_back(j);
+  }
+  nlohmann::json unentered = nlohmann::json::array();
+  for (const UnenteredWarning& u : summary.lead.unentered) {
+    nlohmann::json j = {{"runway", u.runway},
+                        {"area", u.firstWarning.name},
+                        {"start", fixTime(records[u.startIndex])},
+                        {"end", fixTime(records[u.endIndex])},
+                        {"startLine", records[u.startIndex].fix.sourceLine},
+                        {"durationSeconds", u.durationSeconds}};
+    if (grouped) j["flight"] = flightName(summary, u.flight);
+    unentered.push_back(j);
+  }
+  nlohmann::json out = {{"entries", entries},
+                        {"warningsWithoutEntry", unentered},
+                        {"all", statsJson(leadStats(summary.lead))}};
+  if (grouped) {
+    nlohmann::json flights = nlohmann::json::array();
+    for (std::size_t f = 0; f < summary.flights.size(); ++f) {
+      nlohmann::json j = statsJson(leadStats(summary.lead, f));
+      j["flight"] = summary.flights[f];
+      flights.push_back(j);
+    }
+    out["flights"] = flights;
+  }
+  return out;
+}
+
 }  // namespace
 
 EventPrinter::EventPrinter(std::ostream& out, Options options)
     : out_(out), options_(options) {}
+
+void EventPrinter::startFlight(const std::string& name) {
+  previous_.reset();
+  flight_ = name;
+  if (!options_.json && !options_.quiet) out_ << "Flight " << name << "\n";
+}
 
 void EventPrinter::onFix(const FixRecord& r) {
   const bool changed = r.area != previous_;
@@ -69,6 +135,7 @@ void EventPrinter::json(const FixRecord& r, const char* event,
   nlohmann::json line = {{"event", event},           {"fix", r.index + 1},
                          {"line", r.fix.sourceLine}, {"time", r.fix.timeText},
                          {"lat", r.fix.latitude},    {"lon", r.fix.longitude}};
+  if (!flight_.empty()) line["flight"] = flight_;
   line["t"] = r.fix.timeSeconds ? nlohmann::json(*r.fix.timeSeconds)
                                 : nlohmann::json(nullptr);
   if (notice) {
@@ -109,6 +176,8 @@ void EventPrinter::printSummary(const ReplaySummary& summary,
                         {"endedWithTrack", e.endedWithTrack},
                         {"aircraftInside", e.aircraftInside},
                         {"durationSeconds", e.durationSeconds}});
+    if (!summary.flights.empty())
+      episodes.back()["flight"] = flightName(summary, e.flight);
   }
   nlohmann::json skipped = nlohmann::json::object();
   for (const auto& [reason, lines] : summary.skippedByReason) {
@@ -118,7 +187,8 @@ void EventPrinter::printSummary(const ReplaySummary& summary,
                          {"fixesRead", summary.fixesRead},
                          {"fixesSkipped", summary.fixesSkipped},
                          {"skipped", skipped},
-                         {"episodes", episodes}};
+                         {"episodes", episodes},
+                         {"leadTime", leadJson(summary, records)}};
   out_ << line.dump() << "\n";
 }
 

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <ostream>
+#include <string>
 
 #include "IncursionSummary.h"
 #include "ReplayRecorder.h"
@@ -27,6 +28,10 @@ class EventPrinter {
 
   EventPrinter(std::ostream& out, Options options);
 
+  // Starts a flight of a grouped replay: the next fix is compared with
+  // nothing, human output gets a heading line, JSON events a "flight".
+  void startFlight(const std::string& name);
+
   // Prints what changed with this fix, compared with the fix before.
   void onFix(const FixRecord& record);
 
@@ -41,6 +46,7 @@ class EventPrinter {
   std::ostream& out_;
   Options options_;
   std::optional<AreaRef> previous_;
+  std::string flight_;
 };
 
 }  // namespace tarvo::cli

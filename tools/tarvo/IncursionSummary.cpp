@@ -17,8 +17,11 @@ std::string lineList(const std::vector<int>& lines) {
 }  // namespace
 
 ReplaySummary summarize(const std::vector<FixRecord>& records,
-                        const std::vector<SkippedFix>& skipped) {
+                        const std::vector<SkippedFix>& skipped,
+                        const std::vector<std::string>& flights) {
   ReplaySummary summary;
+  summary.flights = flights;
+  summary.lead = findLeadTimes(records);
   summary.fixesRead = records.size();
   summary.fixesSkipped = skipped.size();
   for (const SkippedFix& s : skipped) {
@@ -26,10 +29,11 @@ ReplaySummary summarize(const std::vector<FixRecord>& records,
   }
   for (std::size_t i = 0; i < records.size(); ++i) {
     const FixRecord& r = records[i];
-    Episode* open =
-        summary.episodes.empty() || summary.episodes.back().endIndex != i
-            ? nullptr
-            : &summary.episodes.back();
+    const bool newFlight = i > 0 && records[i - 1].flight != r.flight;
+    Episode* open = summary.episodes.empty() ||
+                            summary.episodes.back().endIndex != i || newFlight
+                        ? nullptr
+                        : &summary.episodes.back();
     // An open episode has endIndex == i until a fix ends it.
     if (open != nullptr && r.area && *r.area == open->area) {
       open->endIndex = i + 1;
@@ -39,6 +43,7 @@ ReplaySummary summarize(const std::vector<FixRecord>& records,
     if (r.area) {
       Episode e;
       e.area = *r.area;
+      e.flight = r.flight;
       e.startIndex = i;
       e.endIndex = i + 1;
       e.aircraftInside = r.state == FixState::Inside;
@@ -46,8 +51,9 @@ ReplaySummary summarize(const std::vector<FixRecord>& records,
     }
   }
   for (Episode& e : summary.episodes) {
-    if (e.endIndex >= records.size()) {
-      e.endIndex = records.size() - 1;
+    if (e.endIndex >= records.size() ||
+        records[e.endIndex].flight != e.flight) {
+      e.endIndex = e.endIndex - 1;
       e.endedWithTrack = true;
     }
     e.durationSeconds =
@@ -72,6 +78,36 @@ std::string fixTime(const FixRecord& record) {
   return "fix " + std::to_string(record.index + 1);
 }
 
+std::string flightName(const ReplaySummary& summary, std::size_t flight) {
+  return flight < summary.flights.size() ? summary.flights[flight] : "";
+}
+
+std::string formatSeconds(const std::optional<double>& seconds) {
+  if (!seconds) return "-";
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f s", *seconds);
+  return text;
+}
+
+namespace {
+
+std::string inFlight(const ReplaySummary& summary, std::size_t flight) {
+  const std::string name = flightName(summary, flight);
+  return name.empty() ? "" : ", flight " + name;
+}
+
+std::string statsLine(const LeadStats& s) {
+  std::ostringstream out;
+  out << s.entries << " runway entr" << (s.entries == 1 ? "y" : "ies") << " ("
+      << s.warned << " warned, " << s.unwarned << " with no warning), "
+      << s.unentered << " warning" << (s.unentered == 1 ? "" : "s")
+      << " with no entry; lead time minimum " << formatSeconds(s.minimumSeconds)
+      << ", median " << formatSeconds(s.medianSeconds);
+  return out.str();
+}
+
+}  // namespace
+
 std::string formatSummary(const ReplaySummary& summary,
                           const std::vector<FixRecord>& records) {
   std::ostringstream out;
@@ -92,7 +128,37 @@ std::string formatSummary(const ReplaySummary& summary,
         << (e.endedWithTrack ? " (track ends)" : "") << ", "
         << formatDuration(e.durationSeconds)
         << (e.aircraftInside ? ", aircraft inside" : ", predicted only")
+        << inFlight(summary, e.flight) << "\n";
+  }
+  out << "Warning lead time: " << statsLine(leadStats(summary.lead)) << "\n";
+  n = 0;
+  for (const RunwayEntry& e : summary.lead.entries) {
+    out << "  " << ++n << ". " << e.area << " entered "
+        << fixTime(records[e.entryIndex]) << " (line "
+        << records[e.entryIndex].fix.sourceLine << "): ";
+    if (e.warned) {
+      out << formatSeconds(e.leadSeconds) << " after the first warning "
+          << fixTime(records[e.warningIndex]) << " (" << e.firstWarning.name
+          << ")";
+    } else {
+      out << (e.atFlightStart ? "no warning (the track starts there)"
+                              : "no warning");
+    }
+    out << inFlight(summary, e.flight) << "\n";
+  }
+  for (const UnenteredWarning& u : summary.lead.unentered) {
+    out << "  warning, no entry: " << u.firstWarning.name << " "
+        << fixTime(records[u.startIndex]) << " -> "
+        << fixTime(records[u.endIndex]) << ", "
+        << formatDuration(u.durationSeconds) << inFlight(summary, u.flight)
         << "\n";
+  }
+  if (summary.flights.size() > 1) {
+    out << "Flights: " << summary.flights.size() << "\n";
+    for (std::size_t f = 0; f < summary.flights.size(); ++f) {
+      out << "  " << summary.flights[f] << ": "
+          << statsLine(leadStats(summary.lead, f)) << "\n";
+    }
   }
   return out.str();
 }

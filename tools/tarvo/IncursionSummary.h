@@ -9,15 +9,17 @@
 #include <vector>
 
 #include "ReplayRecorder.h"
+#include "output/LeadTime.h"
 
 namespace tarvo::cli {
 
 // A maximal run of fixes on which the monitor reported the same area
 // occupied. It ends on the first fix that reports another area or none
-// (endIndex), or with the track (then endIndex is the last fix and
-// endedWithTrack is set).
+// (endIndex), or with the track or its flight (then endIndex is the last fix
+// of the flight and endedWithTrack is set).
 struct Episode {
   AreaRef area;
+  std::size_t flight = 0;
   std::size_t startIndex = 0;
   std::size_t endIndex = 0;
   bool endedWithTrack = false;
@@ -31,10 +33,21 @@ struct ReplaySummary {
   // Reason -> source lines of the skipped records.
   std::map<std::string, std::vector<int>> skippedByReason;
   std::vector<Episode> episodes;
+  LeadTimes lead;
+  // Names of the flights, by FixRecord::flight; empty when the replay was
+  // one track.
+  std::vector<std::string> flights;
 };
 
 ReplaySummary summarize(const std::vector<FixRecord>& records,
-                        const std::vector<SkippedFix>& skipped);
+                        const std::vector<SkippedFix>& skipped,
+                        const std::vector<std::string>& flights = {});
+
+// The flight's name, or "" when the replay was not grouped.
+std::string flightName(const ReplaySummary& summary, std::size_t flight);
+
+// "12.5 s", or "-" when absent.
+std::string formatSeconds(const std::optional<double>& seconds);
 
 // "12.5 s", "3 min 05 s".
 std::string formatDuration(double seconds);

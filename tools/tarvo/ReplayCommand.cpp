@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <ctime>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -16,10 +17,10 @@
 
 #include "Commands.h"
 #include "EventPrinter.h"
-#include "HtmlReport.h"
 #include "IncursionSummary.h"
 #include "ReplayRecorder.h"
 #include "StoreGate.h"
+#include "output/HtmlReport.h"
 #include "readers/TrackReader.h"
 #include "session/FixSession.h"
 
@@ -46,6 +47,10 @@ TrackReadOptions trackOptions(const ParsedArgs& args) {
   if (auto v = args.value("speed-column")) o.speedColumn = *v;
   if (auto v = args.value("heading-column")) o.headingColumn = *v;
   if (auto v = args.value("time-column")) o.timeColumn = *v;
+  if (auto v = args.value("group-by")) {
+    if (v->empty()) throw UsageError("replay", "--group-by needs a COLUMN");
+    o.groupColumn = *v;
+  }
   if (auto v = args.value("where")) {
     const auto eq = v->find('=');
     if (eq == std::string::npos || eq == 0) {
@@ -118,17 +123,66 @@ bool passesNearAreas(const Track& track, const DMPolygonArray& areas,
   return false;
 }
 
+// The fixes of one flight, in file order.
+struct Flight {
+  std::string name;
+  std::vector<const TrackFix*> fixes;
+};
+
+// The track's flights in the order of their first fix; one unnamed flight
+// when no fix names one. Rows of several flights may interleave.
+std::vector<Flight> splitFlights(const Track& track) {
+  std::vector<Flight> flights;
+  std::map<std::string, std::size_t> byName;
+  for (const TrackFix& fix : track.fixes) {
+    const std::string name = fix.group.empty() ? "(unnamed)" : fix.group;
+    auto [it, added] = byName.try_emplace(name, flights.size());
+    if (added) flights.push_back({name, {}});
+    flights[it->second].fixes.push_back(&fix);
+  }
+  if (flights.size() == 1 && track.fixes.front().group.empty())
+    flights.front().name.clear();
+  return flights;
+}
+
 void showProgress(std::size_t done, std::size_t total) {
   std::cerr << "\rreplaying fix " << done << "/" << total << std::flush;
 }
 
+// What the report's header says was replayed, as label and value.
+std::vector<std::pair<std::string, std::string>> replayFacts(
+    const ParsedArgs& args, const std::string& store) {
+  std::vector<std::pair<std::string, std::string>> facts = {
+      {"file", args.positional.front()}};
+  if (auto v = args.value("where")) facts.push_back({"filter", *v});
+  if (auto v = args.value("group-by")) facts.push_back({"flights by", *v});
+  facts.push_back({"store", store});
+  std::string columns;
+  for (const char* c :
+       {"lat-column", "lon-column", "speed-column", "heading-column",
+        "time-column", "speed-unit", "format"}) {
+    if (auto v = args.value(c))
+      columns += (columns.empty() ? "" : ", ") + std::string(c) + " " + *v;
+  }
+  facts.push_back(
+      {"columns", columns.empty() ? "the format's defaults" : columns});
+  facts.push_back({"tool", "tarvo " TARVO_TOOL_VERSION});
+  char when[32];
+  const std::time_t now = std::time(nullptr);
+  std::strftime(when, sizeof when, "%Y-%m-%d %H:%M:%S UTC", std::gmtime(&now));
+  facts.push_back({"replayed", when});
+  return facts;
+}
+
 void writeReport(const ParsedArgs& args, const FixSession& session,
-                 const std::vector<SkippedFix>& skipped) {
+                 const std::vector<SkippedFix>& skipped,
+                 const std::string& store) {
   auto report = args.value("report");
   if (!report) return;
-  const ReplaySummary summary = summarize(session.records(), skipped);
+  const ReplaySummary summary =
+      summarize(session.records(), skipped, session.flights());
   ReportInput input{args.positional.front(), session.areas(),
-                    &session.records(), &summary};
+                    &session.records(), &summary, replayFacts(args, store)};
   writeHtmlReport(*report, input);
   (args.has("json") ? std::cerr : std::cout)
       << "Report written to " << *report << "\n";
@@ -139,9 +193,15 @@ void writeReport(const ParsedArgs& args, const FixSession& session,
 // printed at once. The stream sets the pace, so --realtime only turns the
 // sound on.
 int replayStream(const ParsedArgs& args, bool realSound) {
+  if (args.has("group-by")) {
+    throw UsageError("replay",
+                     "--group-by needs the whole file; it cannot group a "
+                     "stream (replay a file instead)");
+  }
   const TrackReadOptions options = trackOptions(args);
   applyDataDir(args);
-  requireAreas(requireTrustedStore(StoreUse::kRead));
+  const StoreCheckReport store = requireTrustedStore(StoreUse::kRead);
+  requireAreas(store);
   StoreLog log(false);
   FixSession session(std::cout, {{args.has("json"), args.has("all-notices"),
                                   args.has("quiet")},
@@ -172,7 +232,7 @@ int replayStream(const ParsedArgs& args, bool realSound) {
                  "within 5 km; check that the store holds this airport\n";
   }
   session.printSummary(seen.skipped);
-  writeReport(args, session, seen.skipped);
+  writeReport(args, session, seen.skipped, store.path);
   return 0;
 }
 
@@ -192,34 +252,42 @@ int runReplay(const ParsedArgs& args) {
       throw UsageError("replay", "--realtime FACTOR must be above 0");
   }
   applyDataDir(args);
-  requireAreas(requireTrustedStore(StoreUse::kRead));
+  const StoreCheckReport store = requireTrustedStore(StoreUse::kRead);
+  requireAreas(store);
   StoreLog log(false);
   FixSession session(std::cout, {{args.has("json"), args.has("all-notices"),
                                   args.has("quiet")},
                                  factor > 0.0});
+  const std::vector<Flight> flights = splitFlights(track);
   if (!passesNearAreas(track, *session.areas(), 5000.0)) {
     std::cerr << "tarvo replay: warning: the track passes no stored area "
                  "within 5 km; check that the store holds this airport\n";
   }
 
   const bool progress = isatty(STDERR_FILENO) && !args.has("quiet");
-  for (std::size_t i = 0; i < track.fixes.size(); ++i) {
-    const TrackFix& fix = track.fixes[i];
-    const double clock = fix.timeSeconds.value_or(static_cast<double>(i));
-    if (factor > 0.0 && i > 0 &&
-        clock > session.records().back().clockSeconds) {
-      waitFor(clock - session.records().back().clockSeconds, factor);
-    }
-    session.hand(fix, clock);
-    if (progress && (i % 50 == 0 || i + 1 == track.fixes.size())) {
-      showProgress(i + 1, track.fixes.size());
+  std::size_t done = 0;
+  for (const Flight& flight : flights) {
+    if (flights.size() > 1 || args.has("group-by"))
+      session.startFlight(flight.name);
+    for (std::size_t i = 0; i < flight.fixes.size(); ++i) {
+      const TrackFix& fix = *flight.fixes[i];
+      const double clock = fix.timeSeconds.value_or(static_cast<double>(i));
+      if (factor > 0.0 && i > 0 &&
+          clock > session.records().back().clockSeconds) {
+        waitFor(clock - session.records().back().clockSeconds, factor);
+      }
+      session.hand(fix, clock);
+      ++done;
+      if (progress && (done % 50 == 0 || done == track.fixes.size())) {
+        showProgress(done, track.fixes.size());
+      }
     }
   }
   if (progress) std::cerr << "\r\033[K" << std::flush;
   if (factor > 0.0) waitFor(1.5, 1.0);  // let the last sound finish
 
   session.printSummary(track.skipped);
-  writeReport(args, session, track.skipped);
+  writeReport(args, session, track.skipped, store.path);
   return 0;
 }
 

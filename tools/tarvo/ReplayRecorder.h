@@ -55,12 +55,16 @@ enum class FixState { Outside, Near, Inside };
 struct FixRecord {
   TrackFix fix;
   std::size_t index = 0;
-  double clockSeconds = 0.0;  // track time, or the fix index when untimed
-  std::vector<Notice> notices;
+  std::size_t flight = 0;       // which flight of the replay (0 when ungrouped)
+  double clockSeconds = 0.0;    // track time, or the fix index when untimed
+  std::vector<Notice> notices;  // emptied once printed (FixSession::hand)
   std::vector<SoundCall> sounds;
   std::optional<AreaRef> area;
   bool onRunway = false;
   FixState state = FixState::Outside;
+  // Names of the hazard areas that hold the fix's own position, whichever
+  // area the monitor named.
+  std::vector<std::string> hazardsInside;
   // The six look-ahead points, far left/middle/right then near
   // left/middle/right, as the monitor computed them for this fix.
   std::array<CLLocationCoordinate2D, 6> predicted{};

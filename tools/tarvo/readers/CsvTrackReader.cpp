@@ -99,7 +99,7 @@ double speedFactor(SpeedUnit unit) {
 }
 
 struct Columns {
-  int latitude, longitude, speed, heading, time, unixTime, filter;
+  int latitude, longitude, speed, heading, time, unixTime, filter, group;
 };
 
 Columns pickColumns(const Header& header, const TrackReadOptions& options) {
@@ -121,6 +121,9 @@ Columns pickColumns(const Header& header, const TrackReadOptions& options) {
   c.filter = options.filterColumn.empty()
                  ? -1
                  : header.pick(options.filterColumn, {}, "filter");
+  c.group = options.groupColumn.empty()
+                ? -1
+                : header.pick(options.groupColumn, {}, "group-by");
   return c;
 }
 
@@ -177,6 +180,7 @@ void addRow(const RowReader& row, const std::vector<std::string>& fields,
   fix.speedKmh = speedKmh(values[2], factor, path, line, header.name(c.speed));
   fix.headingDeg = values[3];
   fix.sourceLine = line;
+  if (c.group >= 0) fix.group = std::string(text::trim(fields[c.group]));
   if (c.time >= 0) fix.timeText = std::string(text::trim(fields[c.time]));
   int timeColumn = c.time;
   if (c.unixTime >= 0) {

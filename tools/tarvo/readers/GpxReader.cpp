@@ -146,10 +146,18 @@ Track parseGpxTrack(const std::string& path, const std::string& content) {
   const GpxParser parser(path, content);
   std::vector<Point> points;
   for (const pugi::xml_node& node : nodes) points.push_back(parser.point(node));
+  // Several segments: each is a flight of its own.
+  std::vector<std::string> segments(points.size());
+  std::size_t segmentCount = 0;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    if (i == 0 || points[i - 1].parent != points[i].parent) ++segmentCount;
+    segments[i] = "segment " + std::to_string(segmentCount);
+  }
   Track track;
   for (std::size_t i = 0; i < points.size(); ++i) {
     if (complete(points, i)) {
       track.fixes.push_back(points[i].fix);
+      if (segmentCount > 1) track.fixes.back().group = segments[i];
     } else {
       track.skipped.push_back(
           {points[i].fix.sourceLine,

@@ -58,6 +58,10 @@ struct TrackFix {
   std::optional<double> timeSeconds;
   std::string timeText;
   int sourceLine = 0;
+  // The flight or segment the fix belongs to: the CSV group column's value,
+  // "segment N" for a GPX file of several trkseg or an NMEA log with time
+  // gaps (see TrackReader.h); empty otherwise.
+  std::string group;
 };
 
 // A line or record that was read but gave no fix, and why (for example

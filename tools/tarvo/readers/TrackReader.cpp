@@ -70,7 +70,7 @@ Track readTrack(const std::string& path, const TrackReadOptions& options) {
   const std::string content = text::readWholeFile(path);
   switch (format) {
     case TrackFormat::Nmea:
-      return detail::parseNmeaTrack(path, content);
+      return splitAtTimeGaps(detail::parseNmeaTrack(path, content));
     case TrackFormat::Gpx:
       return detail::parseGpxTrack(path, content);
     default:
@@ -93,6 +93,22 @@ SpeedUnit parseSpeedUnit(const std::string& name) {
   if (name == "mps") return SpeedUnit::MetersPerSecond;
   throw std::invalid_argument("unknown speed unit '" + name +
                               "' (use kmh, kt, knots or mps)");
+}
+
+Track splitAtTimeGaps(Track track) {
+  std::vector<std::size_t> starts;
+  for (std::size_t i = 1; i < track.fixes.size(); ++i) {
+    const auto& a = track.fixes[i - 1].timeSeconds;
+    const auto& b = track.fixes[i].timeSeconds;
+    if (a && b && *b - *a > kNmeaSegmentGapSeconds) starts.push_back(i);
+  }
+  if (starts.empty()) return track;
+  std::size_t segment = 1, next = 0;
+  for (std::size_t i = 0; i < track.fixes.size(); ++i) {
+    if (next < starts.size() && starts[next] == i) ++segment, ++next;
+    track.fixes[i].group = "segment " + std::to_string(segment);
+  }
+  return track;
 }
 
 }  // namespace tarvo::cli

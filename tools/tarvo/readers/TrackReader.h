@@ -47,7 +47,22 @@ struct TrackReadOptions {
   // example segment = KMSP-2-taxi-out-takeoff). Empty filterColumn keeps
   // every row; an unknown filterColumn is an InputFailure at line 1.
   std::string filterColumn, filterValue;
+  // CSV: the column whose value names each fix's flight (TrackFix::group);
+  // empty: none. An unknown column is an InputFailure at line 1.
+  std::string groupColumn;
 };
+
+// An NMEA log whose fixes are more than this many seconds apart is taken as
+// several recordings: each run without such a gap is a segment ("segment 1",
+// "segment 2", ...) and is replayed as a flight of its own. A receiver writes
+// a fix every second or so while it has one; ADS-B positions of an aircraft
+// holding short may pause for over a minute, five minutes without any means
+// the recording stopped (the device was off between flights).
+inline constexpr double kNmeaSegmentGapSeconds = 300.0;
+
+// Names the segments of a track by the gaps above (only when there is a
+// gap; a time going backwards is no gap).
+Track splitAtTimeGaps(Track track);
 
 // CSV: comma-separated, a header row, fields optionally in double quotes.
 // A row with an empty latitude, longitude, speed or heading gives a
@@ -69,7 +84,8 @@ struct TrackReadOptions {
 // first complete sentence or a last line cut short, which a capture that
 // started or stopped mid-sentence leaves, and which give a SkippedFix.
 //
-// GPX: every trkpt (then rtept, if there are no trkpt) with lat and lon.
+// GPX: every trkpt (then rtept, if there are no trkpt) with lat and lon;
+// with more than one trkseg each fix's group is "segment N".
 // Speed and course come from the point where present (GPX 1.0 <speed> in
 // m/s and <course>, or elements named speed/course inside <extensions>),
 // otherwise from the point and the one before it: great-circle distance

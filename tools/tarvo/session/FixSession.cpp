@@ -4,6 +4,8 @@
 #include <TarvoFramework/MainQueue.h>
 #include <TarvoFramework/Tarvo.h>
 
+#include <algorithm>
+
 #include "IncursionSummary.h"
 
 namespace tarvo::cli {
@@ -36,7 +38,23 @@ FixSession::FixSession(std::ostream& out, Options options)
   monitor->initializes();
   areas_ = monitor->polygons();
   if (!areas_) areas_ = std::make_shared<DMPolygonArray>();
-  for (const auto& a : *areas_) byGuid_[a->polygonGUID().value_or("")] = a;
+  for (const auto& a : *areas_) {
+    const std::string guid = a->polygonGUID().value_or("");
+    byGuid_[guid] = a;
+    const auto& ring = a->polygonPoints();
+    if (a->polygonName().value_or("").find("HOLD SHORT") != std::string::npos ||
+        !ring || ring->empty()) {
+      continue;
+    }
+    Box box{guid, a->polygonName().value_or(""), 90, -90, 180, -180};
+    for (const DMPoint& p : *ring) {
+      box.south = std::min(box.south, p.latitude());
+      box.north = std::max(box.north, p.latitude());
+      box.west = std::min(box.west, p.longitude());
+      box.east = std::max(box.east, p.longitude());
+    }
+    hazardBoxes_.push_back(box);
+  }
 }
 
 // Whether the point itself lies in the area, tested as the monitor tests.
@@ -49,6 +67,26 @@ bool FixSession::contains(const std::string& guid, double lat,
                         static_cast<float>(lat), static_cast<float>(lon));
 }
 
+void FixSession::startFlight(const std::string& name) {
+  flights_.push_back(name);
+  printer_.startFlight(name);
+  if (records_.empty()) return;
+  const auto& monitor = Tarvo::sharedManager();
+  monitor->setLastPolygonName(std::nullopt);
+  monitor->setCurrentPolygonName(std::nullopt);
+  monitor->setCurrentPolygonGuid(std::nullopt);
+  monitor->setIsHazardArea(false);
+  monitor->setOnRunway(false);
+  for (CLLocationCoordinate2D* c :
+       {&monitor->pLeftCoordinate, &monitor->pMiddleCoordinate,
+        &monitor->pRightCoordinate, &monitor->pmidLeftCoordinate,
+        &monitor->pmidMiddleCoordinate, &monitor->pmidRightCoordinate}) {
+    *c = CLLocationCoordinate2D{};
+  }
+  if (monitor->currentaudioPlayer()) monitor->currentaudioPlayer()->stop();
+  mainQueue().runPending();
+}
+
 const FixRecord& FixSession::hand(const TrackFix& fix, double clockSeconds) {
   const auto& monitor = Tarvo::sharedManager();
   recorder_->beginFix(clockSeconds);
@@ -58,19 +96,30 @@ const FixRecord& FixSession::hand(const TrackFix& fix, double clockSeconds) {
   FixRecord r = observe(*monitor, *recorder_);
   r.fix = fix;
   r.index = records_.size();
+  r.flight = flights_.empty() ? 0 : flights_.size() - 1;
   r.clockSeconds = clockSeconds;
+  for (const Box& b : hazardBoxes_) {
+    if (fix.latitude >= b.south && fix.latitude <= b.north &&
+        fix.longitude >= b.west && fix.longitude <= b.east &&
+        contains(b.guid, fix.latitude, fix.longitude)) {
+      r.hazardsInside.push_back(b.name);
+    }
+  }
   if (r.area) {
     r.state = contains(r.area->guid, fix.latitude, fix.longitude)
                   ? FixState::Inside
                   : FixState::Near;
   }
   printer_.onFix(r);
+  // Printed; the summary and the report need only the area and the state,
+  // and a long replay must not keep a notice per fix.
+  std::vector<Notice>().swap(r.notices);
   records_.push_back(std::move(r));
   return records_.back();
 }
 
 void FixSession::printSummary(const std::vector<SkippedFix>& skipped) {
-  printer_.printSummary(summarize(records_, skipped), records_);
+  printer_.printSummary(summarize(records_, skipped, flights_), records_);
   out_.flush();
 }
 

@@ -40,6 +40,18 @@ class FixSession {
   FixSession(const FixSession&) = delete;
   FixSession& operator=(const FixSession&) = delete;
 
+  // Starts a new flight: the fixes handed in from here on belong to it, the
+  // printer compares the next fix with nothing, and the monitor is put back
+  // in the state it had after initializes(). The reset goes through the
+  // monitor's plain property setters (no area found, no area last warned,
+  // no kind, not on a runway, the look-ahead points at (0, 0)) and a stop
+  // of its player, so the next fix is evaluated as the first fix of a
+  // session would be; the areas are left as loaded. The first call, before
+  // any fix, only names the flight.
+  void startFlight(const std::string& name);
+
+  const std::vector<std::string>& flights() const { return flights_; }
+
   // Hands one fix to the monitor, runs the main queue's pending tasks, and
   // prints and keeps what changed. clockSeconds is the fix's time on the
   // session's clock (it drives the silent player): non-decreasing seconds.
@@ -62,8 +74,15 @@ class FixSession {
   std::shared_ptr<ReplayRecorder> recorder_;
   std::shared_ptr<DMPolygonArray> areas_;
   std::map<std::string, std::shared_ptr<DMPolygon>> byGuid_;
+  // The hazard areas' bounding boxes, for FixRecord::hazardsInside.
+  struct Box {
+    std::string guid, name;
+    double south, north, west, east;
+  };
+  std::vector<Box> hazardBoxes_;
   EventPrinter printer_;
   std::vector<FixRecord> records_;
+  std::vector<std::string> flights_;
 };
 
 }  // namespace tarvo::cli
