@@ -8,9 +8,11 @@ set -euo pipefail
 packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev libboost-dev
           nlohmann-json3-dev libpugixml-dev libgps-dev
           libespeak-ng-dev espeak-ng-data)
+packages+=(libgdal-dev)  # tarvo import/export of GIS formats
 case "${1:-}" in
   --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame
-                      chromium clang gpsd gpsd-clients) ;;
+                      chromium clang gpsd gpsd-clients)
+           packages+=(gdal-bin python3) ;;  # ogr2ogr for the GDAL format test
   --fuzz) packages+=(clang libclang-rt-dev) ;;
   --i386) packages+=(g++-multilib libgtest-dev) ;;
 esac

@@ -13,7 +13,7 @@
 
 #include "Commands.h"
 #include "StoreGate.h"
-#include "readers/AreaReader.h"
+#include "areas/AreaReader.h"
 #include "readers/ReaderText.h"
 
 namespace tarvo::cli {
@@ -40,11 +40,26 @@ AreaReadOptions areaOptions(const ParsedArgs& args) {
   }
   if (auto p = args.value("name-property")) options.nameProperty = *p;
   if (auto p = args.value("id-property")) options.idProperty = *p;
+  if (auto p = args.value("where")) options.where = *p;
+  if (auto p = args.value("layer")) options.layer = *p;
   return options;
 }
 
 std::string plural(std::size_t n, const char* word) {
   return std::to_string(n) + " " + word + (n == 1 ? "" : "s");
+}
+
+// What the file held besides areas, and what GDAL warned about.
+void reportSkipped(const std::string& path, const AreaFile& file) {
+  for (const std::string& warning : file.warnings) {
+    std::cerr << "tarvo import: " << path << ": " << warning << "\n";
+  }
+  if (file.skippedLines + file.skippedPoints + file.skippedOther == 0) return;
+  std::cerr << "tarvo import: " << path << ": skipped "
+            << plural(file.skippedLines, "line") << ", "
+            << plural(file.skippedPoints, "point") << " and "
+            << file.skippedOther
+            << " other features (only polygons become areas)\n";
 }
 
 }  // namespace
@@ -146,7 +161,9 @@ int runImport(const ParsedArgs& args) {
   const std::string& path = args.positional.front();
   // Everything is read and checked before the store is touched, so a
   // refused file leaves the store as it was.
-  const std::vector<AreaRecord> areas = readAreas(path, areaOptions(args));
+  const AreaFile file = readAreaFile(path, areaOptions(args));
+  reportSkipped(path, file);
+  const std::vector<AreaRecord>& areas = file.areas;
   applyDataDir(args);
   replaceEmptyStore();
   requireTrustedStore(StoreUse::kWrite);

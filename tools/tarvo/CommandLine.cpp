@@ -12,13 +12,23 @@ const char kImportHelp[] =
 Registers every area of FILE in the store. The whole file is read and
 checked first: a file with any error changes nothing.
 
-FILE formats: TSV with columns guid, name, points (kind optional),
-GeoJSON polygons, KML polygons. Points are "lon,lat lon,lat ...".
+FILE formats: TSV (.tsv, .txt) with columns guid, name, points (kind
+optional; points are "lon,lat lon,lat ..."), or any vector format GDAL
+reads: GeoJSON, KML, Shapefile, GeoPackage, FlatGeobuf, GML, CSV with WKT,
+... Polygons are reprojected to WGS 84 and become areas (each part of a
+multipolygon its own, GUID suffixed -1, -2, ...); a polygon with a hole is
+refused; lines and points are skipped and counted on standard error. The
+name comes from the attribute "name" (any case, so KML's Name works), the
+GUID from "id" or else "guid", else "<name>#<N>" with N the feature's position in its
+layer; an attribute "kind" of hazard or hold_short is kept.
 
 Options:
-  --format auto|tsv|geojson|kml  file format (default: from the extension)
-  --name-property P   GeoJSON/KML property that holds the name (default name)
-  --id-property P     GeoJSON/KML property that holds the GUID (default id)
+  --format F          auto (default: TSV by extension, else GDAL decides),
+                      tsv, or a GDAL vector driver (GeoJSON, KML, GPKG, ...)
+  --name-property P   attribute that holds the name (default name)
+  --id-property P     attribute that holds the GUID (default id)
+  --where SQL         OGR SQL attribute filter, e.g. "kind = 'runway'"
+  --layer L           read only layer L (default: every layer)
   --replace           overwrite areas already stored under the same GUID
   --data-dir DIR      directory of the store (default: the library's
                       documents directory, or $TARVO_DOCUMENTS_DIR)
@@ -145,10 +155,12 @@ store failure, 2 on usage.
 const std::vector<CommandSpec>& commandTable() {
   static const std::vector<CommandSpec> table = {
       {"import",
-       "register the areas of a TSV, GeoJSON or KML file",
+       "register the areas of a TSV file or any GDAL vector file",
        1,
        1,
        {{"format", OptionValue::Required},
+        {"where", OptionValue::Required},
+        {"layer", OptionValue::Required},
         {"name-property", OptionValue::Required},
         {"id-property", OptionValue::Required},
         {"replace", OptionValue::None},
