@@ -7,12 +7,15 @@
 #include <TarvoFramework/Tarvo.h>
 
 #include <algorithm>
+#include <cctype>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "Commands.h"
 #include "StoreGate.h"
+#include "areas/AirportAreas.h"
+#include "areas/AreaFormats.h"
 #include "areas/AreaReader.h"
 #include "readers/ReaderText.h"
 
@@ -45,6 +48,10 @@ AreaReadOptions areaOptions(const ParsedArgs& args) {
   return options;
 }
 
+std::size_t vertexCount(const std::string& points) {
+  return points.empty() ? 0 : 1 + std::count(points.begin(), points.end(), ' ');
+}
+
 std::string plural(std::size_t n, const char* word) {
   return std::to_string(n) + " " + word + (n == 1 ? "" : "s");
 }
@@ -60,6 +67,41 @@ void reportSkipped(const std::string& path, const AreaFile& file) {
             << plural(file.skippedPoints, "point") << " and "
             << file.skippedOther
             << " other features (only polygons become areas)\n";
+}
+
+// The areas of an airport derived from SOURCE (--airport), checked as a
+// file's areas are. What was left out is said on standard error.
+std::vector<AreaRecord> derivedAreas(const std::string& path,
+                                     const ParsedArgs& args) {
+  std::string icao = *args.value("airport");
+  for (char& c : icao) c = static_cast<char>(std::toupper(c));
+  AirportReadOptions options;
+  options.includeClosed = args.has("include-closed");
+  const AirportSource source = readAirportSource(path, icao, options);
+  std::vector<std::string> notes = source.notes;
+  std::vector<AreaRecord> areas = deriveAirportAreas(source, notes);
+  for (const std::string& note : notes) {
+    std::cerr << "tarvo import: " << path << ": " << icao << ": " << note
+              << "\n";
+  }
+  std::vector<detail::SourcedArea> sourced;
+  for (const AreaRecord& area : areas) sourced.push_back({area, area.name});
+  detail::checkAreas(path, sourced);
+  return areas;
+}
+
+void printDryRun(const std::string& path,
+                 const std::vector<AreaRecord>& areas) {
+  std::size_t holdShort = 0;
+  for (const AreaRecord& area : areas) {
+    const std::string kind = areaKind(area.name);
+    holdShort += kind == "hold-short" ? 1 : 0;
+    std::cout << area.guid << "\t" << kind << "\t" << vertexCount(area.points)
+              << " vertices\t" << area.name << "\n";
+  }
+  std::cout << "Would import " << plural(areas.size(), "area") << " from "
+            << path << " (" << areas.size() - holdShort << " hazard, "
+            << holdShort << " hold-short); the store was not touched\n";
 }
 
 }  // namespace
@@ -126,10 +168,6 @@ ImportCounts addAll(const std::string& path,
   return counts;
 }
 
-std::size_t vertexCount(const std::string& points) {
-  return points.empty() ? 0 : 1 + std::count(points.begin(), points.end(), ' ');
-}
-
 // Reads back what was written: each area must be stored under its GUID with
 // every vertex of the file.
 void verifyWritten(const std::vector<const AreaRecord*>& written) {
@@ -161,9 +199,18 @@ int runImport(const ParsedArgs& args) {
   const std::string& path = args.positional.front();
   // Everything is read and checked before the store is touched, so a
   // refused file leaves the store as it was.
-  const AreaFile file = readAreaFile(path, areaOptions(args));
-  reportSkipped(path, file);
-  const std::vector<AreaRecord>& areas = file.areas;
+  std::vector<AreaRecord> areas;
+  if (args.value("airport")) {
+    areas = derivedAreas(path, args);
+  } else {
+    AreaFile file = readAreaFile(path, areaOptions(args));
+    reportSkipped(path, file);
+    areas = std::move(file.areas);
+  }
+  if (args.has("dry-run")) {
+    printDryRun(path, areas);
+    return 0;
+  }
   applyDataDir(args);
   replaceEmptyStore();
   requireTrustedStore(StoreUse::kWrite);

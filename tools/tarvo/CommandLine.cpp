@@ -8,9 +8,30 @@ namespace {
 
 const char kImportHelp[] =
     R"(Usage: tarvo import FILE [options]
+       tarvo import SOURCE --airport ICAO [options]
 
 Registers every area of FILE in the store. The whole file is read and
 checked first: a file with any error changes nothing.
+
+With --airport, derives the areas of airport ICAO from open data instead:
+  SOURCE.dat      an X-Plane/FlightGear apt.dat: runways (row 100) and
+                  hold-short areas from the runway-hold lines (line types
+                  4 and 54), each the strip from the line to the runway edge
+  SOURCE.csv      OurAirports' runways.csv: runways only (it has no
+                  hold-short positions); closed runways are left out
+  SOURCE.osm/.pbf an OpenStreetMap extract with the aerodrome (aeroway=
+                  aerodrome, icao=ICAO): runways from aeroway=runway ways
+                  (ref, width; without width 18/23/30/45 m for runways under
+                  800/1200/1800 m and longer), hold-short areas from
+                  aeroway=holding_position nodes with holding_position:
+                  type=runway: the taxiway from the node to the runway edge,
+                  as wide as the taxiway (width tag, else 23 m); disused
+                  runways are left out
+Runways are rectangles from end to end, as wide as the source says. Names:
+"ICAO RWY 12R/30L" (a hazard area) and "ICAO HOLD SHORT RWY 12R/30L #03" or
+"... A1" with the holding position's ref (a hold-short area). The GUIDs
+(ICAO-RWY-12R-30L, ICAO-HS-12R-30L-03) stay the same for the same source,
+so --replace updates a re-import in place.
 
 FILE formats: TSV (.tsv, .txt) with columns guid, name, points (kind
 optional; points are "lon,lat lon,lat ..."), or any vector format GDAL
@@ -29,6 +50,10 @@ Options:
   --id-property P     attribute that holds the GUID (default id)
   --where SQL         OGR SQL attribute filter, e.g. "kind = 'runway'"
   --layer L           read only layer L (default: every layer)
+  --airport ICAO      derive the areas of this airport from SOURCE
+  --include-closed    with --airport: keep closed or disused runways
+  --dry-run           print what would be stored (GUID, kind, vertices,
+                      name) and leave the store alone
   --replace           overwrite areas already stored under the same GUID
   --data-dir DIR      directory of the store (default: the library's
                       documents directory, or $TARVO_DOCUMENTS_DIR)
@@ -161,6 +186,9 @@ const std::vector<CommandSpec>& commandTable() {
        {{"format", OptionValue::Required},
         {"where", OptionValue::Required},
         {"layer", OptionValue::Required},
+        {"airport", OptionValue::Required},
+        {"include-closed", OptionValue::None},
+        {"dry-run", OptionValue::None},
         {"name-property", OptionValue::Required},
         {"id-property", OptionValue::Required},
         {"replace", OptionValue::None},
