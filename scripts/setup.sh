@@ -12,7 +12,7 @@ packages+=(libgdal-dev)  # tarvo import/export of GIS formats
 case "${1:-}" in
   --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame
                       chromium clang gpsd gpsd-clients)
-           packages+=(gdal-bin python3) ;;  # ogr2ogr for the GDAL format test
+           packages+=(gdal-bin python3 jq) ;;  # ogr2ogr for the GDAL format test
   --fuzz) packages+=(clang libclang-rt-dev) ;;
   --i386) packages+=(g++-multilib libgtest-dev) ;;
 esac

@@ -17,6 +17,7 @@
 #include "areas/AirportAreas.h"
 #include "areas/AreaFormats.h"
 #include "areas/AreaReader.h"
+#include "areas/AreaWriter.h"
 #include "readers/ReaderText.h"
 
 namespace tarvo::cli {
@@ -306,6 +307,39 @@ int runRemove(const ParsedArgs& args) {
     }
   }
   return status;
+}
+
+int runExport(const ParsedArgs& args) {
+  const std::string& path = args.positional.front();
+  const std::string format = args.value("format").value_or("GeoJSON");
+  applyDataDir(args);
+  const StoreCheckReport report = requireTrustedStore(StoreUse::kRead);
+  if (report.status == StoreCheckReport::Status::kMissing) {
+    std::cerr << "tarvo export: there is no store at " << report.path
+              << " (tarvo import creates it); nothing was written\n";
+    return 1;
+  }
+  StoreLog log(false);
+  const auto& store = DBManager::getSharedInstance();
+  std::vector<StoredArea> areas;
+  const auto polygons = store->getAllPolygons();
+  for (const auto& polygon : *polygons) {
+    StoredArea area;
+    area.guid = polygon->polygonGUID().value_or("");
+    area.name = polygon->polygonName().value_or("");
+    area.kind = areaKind(area.name);
+    const auto points =
+        store->getAllPolygonPointsforPolygonID(polygon->polygonID());
+    for (const DMPoint& p : *points) {
+      area.vertices.push_back({p.latitude(), p.longitude()});
+    }
+    areas.push_back(std::move(area));
+  }
+  if (log.failures() > 0) return 1;
+  writeAreas(path, format, areas);
+  std::cout << "Exported " << plural(areas.size(), "area") << " from "
+            << store->databasePath << " to " << path << " (" << format << ")\n";
+  return 0;
 }
 
 int runClear(const ParsedArgs& args) {

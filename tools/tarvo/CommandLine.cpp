@@ -98,6 +98,22 @@ Options:
   --help          show this text
 )";
 
+const char kExportHelp[] =
+    R"(Usage: tarvo export FILE [options]
+
+Writes the stored areas to FILE, a new file, for a look in a GIS: one
+polygon per area in WGS 84 with the attributes guid, name and kind
+(hazard or hold-short, by the name).
+
+Options:
+  --format F      GDAL vector driver to write with (default GeoJSON; for
+                  example GPKG, KML, "ESRI Shapefile", FlatGeobuf)
+  --data-dir DIR  directory of the store
+  --help          show this text
+
+Exit status: 1 when there is no store, FILE exists or cannot be written.
+)";
+
 const char kReplayHelp[] =
     R"(Usage: tarvo replay TRACK [options]
 
@@ -213,6 +229,12 @@ const std::vector<CommandSpec>& commandTable() {
        0,
        {{"data-dir", OptionValue::Required}},
        kClearHelp},
+      {"export",
+       "write the stored areas to a GeoJSON or other GIS file",
+       1,
+       1,
+       {{"format", OptionValue::Required}, {"data-dir", OptionValue::Required}},
+       kExportHelp},
       {"replay",
        "replay a recorded track against the stored areas",
        1,
