@@ -123,6 +123,8 @@ check 1 "derived.gpkg: the file exists" \
   "$tool" export "$work/derived.gpkg" --data-dir "$work/derived"
 check 0 "has no hold-short positions" \
   "$tool" import "$data/ourairports-runways/runways-subset.csv" --airport KSFO --dry-run
+check 2 "--where reads GIS files; it does not apply with --airport" \
+  "$tool" import "$apt" --airport KMSP --where "a = 1"
 check 1 "no airport KXYZ in the file \(it has KMSP\)" \
   "$tool" import "$apt" --airport KXYZ --data-dir "$work/derived"
 

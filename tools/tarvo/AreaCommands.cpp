@@ -200,6 +200,18 @@ int runImport(const ParsedArgs& args) {
   const std::string& path = args.positional.front();
   // Everything is read and checked before the store is touched, so a
   // refused file leaves the store as it was.
+  // Options that belong to the other way of reading are refused rather than
+  // ignored.
+  for (const char* option : {"format", "name-property", "id-property", "where",
+                             "layer", "include-closed"}) {
+    const bool forAirport = std::string(option) == "include-closed";
+    if (args.has(option) && forAirport != args.has("airport")) {
+      throw UsageError("import", std::string("--") + option +
+                                     (forAirport ? " needs --airport"
+                                                 : " reads GIS files; it does "
+                                                   "not apply with --airport"));
+    }
+  }
   std::vector<AreaRecord> areas;
   if (args.value("airport")) {
     areas = derivedAreas(path, args);

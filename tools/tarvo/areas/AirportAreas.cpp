@@ -1,6 +1,7 @@
 #include "areas/AirportAreas.h"
 
 #include <cctype>
+#include <cstdio>
 #include <map>
 
 #include "areas/RunwayShape.h"
