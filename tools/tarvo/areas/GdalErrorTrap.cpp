@@ -22,7 +22,13 @@ void CPL_STDCALL trapHandler(CPLErr level, CPLErrorNum, const char* message) {
 
 void registerGdal() {
   static std::once_flag once;
-  std::call_once(once, [] { GDALAllRegister(); });
+  // Registration can complain (a plugin that does not load); the tool has
+  // nothing to add to that, and GDAL must not print on its own.
+  std::call_once(once, [] {
+    CPLPushErrorHandler(CPLQuietErrorHandler);
+    GDALAllRegister();
+    CPLPopErrorHandler();
+  });
 }
 
 GDALDatasetUniquePtr openVectorFile(const std::string& path,
