@@ -5,6 +5,8 @@
 #ifndef TARVO_FUZZ_FUZZSUPPORT_H_
 #define TARVO_FUZZ_FUZZSUPPORT_H_
 
+#include <unistd.h>
+
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "readers/AreaFormats.h"
+#include "areas/AreaFormats.h"
 #include "readers/ReaderText.h"
 #include "readers/Records.h"
 
@@ -31,6 +33,20 @@ inline std::string asText(const std::uint8_t* data, std::size_t size) {
   std::fprintf(stderr, "broken promise: %s: %s\n", promise.c_str(),
                detail.c_str());
   std::abort();
+}
+
+// Readers that open files by name (the GDAL path) get the input as a file
+// in the temporary directory, written anew for each input.
+inline std::string asFile(const std::uint8_t* data, std::size_t size,
+                          const std::string& extension) {
+  const char* dir = std::getenv("TMPDIR");
+  const std::string path = std::string(dir ? dir : "/tmp") + "/tarvo-fuzz-" +
+                           std::to_string(getpid()) + extension;
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  if (file == nullptr) broken("the fuzz input can be written", path);
+  std::fwrite(data, 1, size, file);
+  std::fclose(file);
+  return path;
 }
 
 // Areas that passed every check must hold points text that the check

@@ -1,4 +1,5 @@
-// Fuzzes the KML area reader: parsing, then the checks every area passes.
+// Fuzzes the KML areas on their way through GDAL: opening, reprojection
+// and polygon handling, then the checks every area passes.
 #include <cstddef>
 #include <cstdint>
 
@@ -7,10 +8,12 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) {
   using namespace tarvo;
+  const std::string path = fuzz::asFile(data, size, ".kml");
   try {
+    cli::AreaFile file;
     const auto areas =
-        cli::detail::parseKmlAreas(fuzz::kPath, fuzz::asText(data, size));
-    cli::detail::checkAreas(fuzz::kPath, areas);
+        cli::detail::parseGdalAreas(path, cli::AreaReadOptions{}, file);
+    cli::detail::checkAreas(path, areas);
     fuzz::checkAreas(areas);
   } catch (const cli::InputFailure&) {
     // A refusal with file, line and field: the expected answer.

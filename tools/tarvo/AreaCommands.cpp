@@ -7,13 +7,17 @@
 #include <TarvoFramework/Tarvo.h>
 
 #include <algorithm>
+#include <cctype>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "Commands.h"
 #include "StoreGate.h"
-#include "readers/AreaReader.h"
+#include "areas/AirportAreas.h"
+#include "areas/AreaFormats.h"
+#include "areas/AreaReader.h"
+#include "areas/AreaWriter.h"
 #include "readers/ReaderText.h"
 
 namespace tarvo::cli {
@@ -40,11 +44,65 @@ AreaReadOptions areaOptions(const ParsedArgs& args) {
   }
   if (auto p = args.value("name-property")) options.nameProperty = *p;
   if (auto p = args.value("id-property")) options.idProperty = *p;
+  if (auto p = args.value("where")) options.where = *p;
+  if (auto p = args.value("layer")) options.layer = *p;
   return options;
+}
+
+std::size_t vertexCount(const std::string& points) {
+  return points.empty() ? 0 : 1 + std::count(points.begin(), points.end(), ' ');
 }
 
 std::string plural(std::size_t n, const char* word) {
   return std::to_string(n) + " " + word + (n == 1 ? "" : "s");
+}
+
+// What the file held besides areas, and what GDAL warned about.
+void reportSkipped(const std::string& path, const AreaFile& file) {
+  for (const std::string& warning : file.warnings) {
+    std::cerr << "tarvo import: " << path << ": " << warning << "\n";
+  }
+  if (file.skippedLines + file.skippedPoints + file.skippedOther == 0) return;
+  std::cerr << "tarvo import: " << path << ": skipped "
+            << plural(file.skippedLines, "line") << ", "
+            << plural(file.skippedPoints, "point") << " and "
+            << file.skippedOther
+            << " other features (only polygons become areas)\n";
+}
+
+// The areas of an airport derived from SOURCE (--airport), checked as a
+// file's areas are. What was left out is said on standard error.
+std::vector<AreaRecord> derivedAreas(const std::string& path,
+                                     const ParsedArgs& args) {
+  std::string icao = *args.value("airport");
+  for (char& c : icao) c = static_cast<char>(std::toupper(c));
+  AirportReadOptions options;
+  options.includeClosed = args.has("include-closed");
+  const AirportSource source = readAirportSource(path, icao, options);
+  std::vector<std::string> notes = source.notes;
+  std::vector<AreaRecord> areas = deriveAirportAreas(source, notes);
+  for (const std::string& note : notes) {
+    std::cerr << "tarvo import: " << path << ": " << icao << ": " << note
+              << "\n";
+  }
+  std::vector<detail::SourcedArea> sourced;
+  for (const AreaRecord& area : areas) sourced.push_back({area, area.name});
+  detail::checkAreas(path, sourced);
+  return areas;
+}
+
+void printDryRun(const std::string& path,
+                 const std::vector<AreaRecord>& areas) {
+  std::size_t holdShort = 0;
+  for (const AreaRecord& area : areas) {
+    const std::string kind = areaKind(area.name);
+    holdShort += kind == "hold-short" ? 1 : 0;
+    std::cout << area.guid << "\t" << kind << "\t" << vertexCount(area.points)
+              << " vertices\t" << area.name << "\n";
+  }
+  std::cout << "Would import " << plural(areas.size(), "area") << " from "
+            << path << " (" << areas.size() - holdShort << " hazard, "
+            << holdShort << " hold-short); the store was not touched\n";
 }
 
 }  // namespace
@@ -111,10 +169,6 @@ ImportCounts addAll(const std::string& path,
   return counts;
 }
 
-std::size_t vertexCount(const std::string& points) {
-  return points.empty() ? 0 : 1 + std::count(points.begin(), points.end(), ' ');
-}
-
 // Reads back what was written: each area must be stored under its GUID with
 // every vertex of the file.
 void verifyWritten(const std::vector<const AreaRecord*>& written) {
@@ -146,7 +200,30 @@ int runImport(const ParsedArgs& args) {
   const std::string& path = args.positional.front();
   // Everything is read and checked before the store is touched, so a
   // refused file leaves the store as it was.
-  const std::vector<AreaRecord> areas = readAreas(path, areaOptions(args));
+  // Options that belong to the other way of reading are refused rather than
+  // ignored.
+  for (const char* option : {"format", "name-property", "id-property", "where",
+                             "layer", "include-closed"}) {
+    const bool forAirport = std::string(option) == "include-closed";
+    if (args.has(option) && forAirport != args.has("airport")) {
+      throw UsageError("import", std::string("--") + option +
+                                     (forAirport ? " needs --airport"
+                                                 : " reads GIS files; it does "
+                                                   "not apply with --airport"));
+    }
+  }
+  std::vector<AreaRecord> areas;
+  if (args.value("airport")) {
+    areas = derivedAreas(path, args);
+  } else {
+    AreaFile file = readAreaFile(path, areaOptions(args));
+    reportSkipped(path, file);
+    areas = std::move(file.areas);
+  }
+  if (args.has("dry-run")) {
+    printDryRun(path, areas);
+    return 0;
+  }
   applyDataDir(args);
   replaceEmptyStore();
   requireTrustedStore(StoreUse::kWrite);
@@ -242,6 +319,39 @@ int runRemove(const ParsedArgs& args) {
     }
   }
   return status;
+}
+
+int runExport(const ParsedArgs& args) {
+  const std::string& path = args.positional.front();
+  const std::string format = args.value("format").value_or("GeoJSON");
+  applyDataDir(args);
+  const StoreCheckReport report = requireTrustedStore(StoreUse::kRead);
+  if (report.status == StoreCheckReport::Status::kMissing) {
+    std::cerr << "tarvo export: there is no store at " << report.path
+              << " (tarvo import creates it); nothing was written\n";
+    return 1;
+  }
+  StoreLog log(false);
+  const auto& store = DBManager::getSharedInstance();
+  std::vector<StoredArea> areas;
+  const auto polygons = store->getAllPolygons();
+  for (const auto& polygon : *polygons) {
+    StoredArea area;
+    area.guid = polygon->polygonGUID().value_or("");
+    area.name = polygon->polygonName().value_or("");
+    area.kind = areaKind(area.name);
+    const auto points =
+        store->getAllPolygonPointsforPolygonID(polygon->polygonID());
+    for (const DMPoint& p : *points) {
+      area.vertices.push_back({p.latitude(), p.longitude()});
+    }
+    areas.push_back(std::move(area));
+  }
+  if (log.failures() > 0) return 1;
+  writeAreas(path, format, areas);
+  std::cout << "Exported " << plural(areas.size(), "area") << " from "
+            << store->databasePath << " to " << path << " (" << format << ")\n";
+  return 0;
 }
 
 int runClear(const ParsedArgs& args) {

@@ -8,17 +8,52 @@ namespace {
 
 const char kImportHelp[] =
     R"(Usage: tarvo import FILE [options]
+       tarvo import SOURCE --airport ICAO [options]
 
 Registers every area of FILE in the store. The whole file is read and
 checked first: a file with any error changes nothing.
 
-FILE formats: TSV with columns guid, name, points (kind optional),
-GeoJSON polygons, KML polygons. Points are "lon,lat lon,lat ...".
+With --airport, derives the areas of airport ICAO from open data instead:
+  SOURCE.dat      an X-Plane/FlightGear apt.dat: runways (row 100) and
+                  hold-short areas from the runway-hold lines (line types
+                  4 and 54), each the strip from the line to the runway edge
+  SOURCE.csv      OurAirports' runways.csv: runways only (it has no
+                  hold-short positions); closed runways are left out
+  SOURCE.osm/.pbf an OpenStreetMap extract with the aerodrome (aeroway=
+                  aerodrome, icao=ICAO): runways from aeroway=runway ways
+                  (ref, width; without width 18/23/30/45 m for runways under
+                  800/1200/1800 m and longer), hold-short areas from
+                  aeroway=holding_position nodes with holding_position:
+                  type=runway: the taxiway from the node to the runway edge,
+                  as wide as the taxiway (width tag, else 23 m); disused
+                  runways are left out
+Runways are rectangles from end to end, as wide as the source says. Names:
+"ICAO RWY 12R/30L" (a hazard area) and "ICAO HOLD SHORT RWY 12R/30L #03" or
+"... A1" with the holding position's ref (a hold-short area). The GUIDs
+(ICAO-RWY-12R-30L, ICAO-HS-12R-30L-03) stay the same for the same source,
+so --replace updates a re-import in place.
+
+FILE formats: TSV (.tsv, .txt) with columns guid, name, points (kind
+optional; points are "lon,lat lon,lat ..."), or any vector format GDAL
+reads: GeoJSON, KML, Shapefile, GeoPackage, FlatGeobuf, GML, CSV with WKT,
+... Polygons are reprojected to WGS 84 and become areas (each part of a
+multipolygon its own, GUID suffixed -1, -2, ...); a polygon with a hole is
+refused; lines and points are skipped and counted on standard error. The
+name comes from the attribute "name" (any case, so KML's Name works), the
+GUID from "id" or else "guid", else "<name>#<N>" with N the feature's position in its
+layer; an attribute "kind" of hazard or hold_short is kept.
 
 Options:
-  --format auto|tsv|geojson|kml  file format (default: from the extension)
-  --name-property P   GeoJSON/KML property that holds the name (default name)
-  --id-property P     GeoJSON/KML property that holds the GUID (default id)
+  --format F          auto (default: TSV by extension, else GDAL decides),
+                      tsv, or a GDAL vector driver (GeoJSON, KML, GPKG, ...)
+  --name-property P   attribute that holds the name (default name)
+  --id-property P     attribute that holds the GUID (default id)
+  --where SQL         OGR SQL attribute filter, e.g. "kind = 'runway'"
+  --layer L           read only layer L (default: every layer)
+  --airport ICAO      derive the areas of this airport from SOURCE
+  --include-closed    with --airport: keep closed or disused runways
+  --dry-run           print what would be stored (GUID, kind, vertices,
+                      name) and leave the store alone
   --replace           overwrite areas already stored under the same GUID
   --data-dir DIR      directory of the store (default: the library's
                       documents directory, or $TARVO_DOCUMENTS_DIR)
@@ -61,6 +96,22 @@ Deletes every stored area.
 Options:
   --data-dir DIR  directory of the store
   --help          show this text
+)";
+
+const char kExportHelp[] =
+    R"(Usage: tarvo export FILE [options]
+
+Writes the stored areas to FILE, a new file, for a look in a GIS: one
+polygon per area in WGS 84 with the attributes guid, name and kind
+(hazard or hold-short, by the name).
+
+Options:
+  --format F      GDAL vector driver to write with (default GeoJSON; for
+                  example GPKG, KML, "ESRI Shapefile", FlatGeobuf)
+  --data-dir DIR  directory of the store
+  --help          show this text
+
+Exit status: 1 when there is no store, FILE exists or cannot be written.
 )";
 
 const char kReplayHelp[] =
@@ -154,10 +205,15 @@ store failure, 2 on usage.
 const std::vector<CommandSpec>& commandTable() {
   static const std::vector<CommandSpec> table = {
       {"import",
-       "register the areas of a TSV, GeoJSON or KML file",
+       "register the areas of a TSV file or any GDAL vector file",
        1,
        1,
        {{"format", OptionValue::Required},
+        {"where", OptionValue::Required},
+        {"layer", OptionValue::Required},
+        {"airport", OptionValue::Required},
+        {"include-closed", OptionValue::None},
+        {"dry-run", OptionValue::None},
         {"name-property", OptionValue::Required},
         {"id-property", OptionValue::Required},
         {"replace", OptionValue::None},
@@ -182,6 +238,12 @@ const std::vector<CommandSpec>& commandTable() {
        0,
        {{"data-dir", OptionValue::Required}},
        kClearHelp},
+      {"export",
+       "write the stored areas to a GeoJSON or other GIS file",
+       1,
+       1,
+       {{"format", OptionValue::Required}, {"data-dir", OptionValue::Required}},
+       kExportHelp},
       {"replay",
        "replay a recorded track against the stored areas",
        1,

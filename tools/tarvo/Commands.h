@@ -22,6 +22,7 @@ int runImport(const ParsedArgs& args);
 int runList(const ParsedArgs& args);
 int runRemove(const ParsedArgs& args);
 int runClear(const ParsedArgs& args);
+int runExport(const ParsedArgs& args);
 int runReplay(const ParsedArgs& args);
 int runWatch(const ParsedArgs& args);
 

@@ -21,6 +21,7 @@ int dispatch(const std::string& name, const ParsedArgs& args) {
   if (name == "list") return tarvo::cli::runList(args);
   if (name == "remove") return tarvo::cli::runRemove(args);
   if (name == "clear") return tarvo::cli::runClear(args);
+  if (name == "export") return tarvo::cli::runExport(args);
   if (name == "watch") return tarvo::cli::runWatch(args);
   return tarvo::cli::runReplay(args);
 }

@@ -2,13 +2,13 @@
 // Private to the readers. Each parser turns the file's text into areas in
 // file order and throws InputFailure for malformed syntax or vertices; the
 // checks on GUIDs, names and vertex counts run afterwards, in checkAreas.
-#ifndef TARVO_TOOLS_READERS_AREAFORMATS_H_
-#define TARVO_TOOLS_READERS_AREAFORMATS_H_
+#ifndef TARVO_TOOLS_AREAS_AREAFORMATS_H_
+#define TARVO_TOOLS_AREAS_AREAFORMATS_H_
 
 #include <string>
 #include <vector>
 
-#include "readers/AreaReader.h"
+#include "areas/AreaReader.h"
 #include "readers/Records.h"
 
 namespace tarvo::cli::detail {
@@ -33,11 +33,11 @@ struct Place {
 
 std::vector<SourcedArea> parseTsvAreas(const std::string& path,
                                        const std::string& text);
-std::vector<SourcedArea> parseGeoJsonAreas(const std::string& path,
-                                           const std::string& text,
-                                           const AreaReadOptions& options);
-std::vector<SourcedArea> parseKmlAreas(const std::string& path,
-                                       const std::string& text);
+// Reads a file through GDAL (see readAreaFile); fills the skip counts and
+// warnings of file, not its areas.
+std::vector<SourcedArea> parseGdalAreas(const std::string& path,
+                                        const AreaReadOptions& options,
+                                        AreaFile& file);
 
 // One vertex as its two number texts.
 struct VertexText {
@@ -63,4 +63,4 @@ std::string knownKind(const std::string& kind);
 
 }  // namespace tarvo::cli::detail
 
-#endif  // TARVO_TOOLS_READERS_AREAFORMATS_H_
+#endif  // TARVO_TOOLS_AREAS_AREAFORMATS_H_

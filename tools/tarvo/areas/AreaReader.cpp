@@ -1,11 +1,11 @@
-#include "readers/AreaReader.h"
+#include "areas/AreaReader.h"
 
 #include <TarvoFramework/StoreText.h>
 
 #include <stdexcept>
 #include <unordered_map>
 
-#include "readers/AreaFormats.h"
+#include "areas/AreaFormats.h"
 #include "readers/ReaderText.h"
 
 namespace tarvo::cli {
@@ -146,58 +146,43 @@ std::string knownKind(const std::string& kind) {
 
 namespace {
 
-AreaFormat formatFromExtension(const std::string& path) {
+bool isTsv(const std::string& path, const std::string& format) {
+  if (format != "auto") return format == "tsv";
   const std::string ext = text::lowerExtension(path);
-  if (ext == ".tsv" || ext == ".txt") return AreaFormat::Tsv;
-  if (ext == ".geojson" || ext == ".json") return AreaFormat::GeoJson;
-  if (ext == ".kml") return AreaFormat::Kml;
-  throw InputFailure({path, 0, "",
-                      "cannot tell the area format from the extension '" + ext +
-                          "' (use .tsv, .txt, .geojson, .json or .kml, "
-                          "or name the format)"});
+  return ext == ".tsv" || ext == ".txt";
 }
 
 }  // namespace
 
-std::vector<AreaRecord> readAreas(const std::string& path,
-                                  const AreaReadOptions& options) {
-  const AreaFormat format = options.format == AreaFormat::Auto
-                                ? formatFromExtension(path)
-                                : options.format;
-  const std::string content = text::readWholeFile(path);
+AreaFile readAreaFile(const std::string& path, const AreaReadOptions& options) {
+  AreaFile file;
   std::vector<detail::SourcedArea> areas;
-  switch (format) {
-    case AreaFormat::GeoJson:
-      areas = detail::parseGeoJsonAreas(path, content, options);
-      break;
-    case AreaFormat::Kml:
-      areas = detail::parseKmlAreas(path, content);
-      break;
-    default:
-      areas = detail::parseTsvAreas(path, content);
-      break;
+  if (isTsv(path, options.format)) {
+    areas = detail::parseTsvAreas(path, text::readWholeFile(path));
+  } else {
+    areas = detail::parseGdalAreas(path, options, file);
   }
   if (areas.empty()) {
-    throw InputFailure({path, 0, "",
-                        "holds no areas (only polygons become areas: points "
-                        "and lines are skipped)"});
+    const std::size_t skipped =
+        file.skippedLines + file.skippedPoints + file.skippedOther;
+    throw InputFailure(
+        {path, 0, "",
+         "holds no areas (only polygons become areas: points and lines are "
+         "skipped" +
+             (skipped > 0 ? ", " + std::to_string(skipped) + " here" : "") +
+             ")"});
   }
   detail::checkAreas(path, areas);
-  std::vector<AreaRecord> records;
-  records.reserve(areas.size());
+  file.areas.reserve(areas.size());
   for (detail::SourcedArea& area : areas) {
-    records.push_back(std::move(area.record));
+    file.areas.push_back(std::move(area.record));
   }
-  return records;
+  return file;
 }
 
-AreaFormat parseAreaFormat(const std::string& name) {
-  if (name == "auto") return AreaFormat::Auto;
-  if (name == "tsv") return AreaFormat::Tsv;
-  if (name == "geojson") return AreaFormat::GeoJson;
-  if (name == "kml") return AreaFormat::Kml;
-  throw std::invalid_argument("unknown area format '" + name +
-                              "' (use auto, tsv, geojson or kml)");
+std::vector<AreaRecord> readAreas(const std::string& path,
+                                  const AreaReadOptions& options) {
+  return readAreaFile(path, options).areas;
 }
 
 }  // namespace tarvo::cli

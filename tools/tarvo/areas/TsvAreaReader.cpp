@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "readers/AreaFormats.h"
+#include "areas/AreaFormats.h"
 #include "readers/ReaderText.h"
 
 namespace tarvo::cli::detail {
