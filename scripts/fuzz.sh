@@ -18,7 +18,7 @@ case "$seconds" in
                exit 2 ;;
 esac
 all_targets=(PointsText TsvAreas GeoJsonAreas KmlAreas CsvTrack NmeaTrack
-             GpxTrack)
+             GpxTrack AptDatAirport OurAirportsAirport)
 targets=("$@")
 ((${#targets[@]})) || targets=("${all_targets[@]}")
 

@@ -329,6 +329,10 @@ TEST(AirportAreas, BadSourcesAreRefusedNamingTheLine) {
       {"apt.dat width 0", "c.dat",
        "I\n1000 v\n" + row1 + "100 0.00" + rwy.substr(9) + "99\n", "KXYZ", 4,
        "width", "runway width 0.00 m"},
+      {"apt.dat runway end off the globe (found by fuzzing)", "c2.dat",
+       "I\n1000 v\n" + row1 + "100 45.00 1 1 0.25 1 2 1 12 4488.0" +
+           rwy.substr(rwy.find(" -93.23")) + "99\n",
+       "KXYZ", 0, "", "runway 12/30: end 4488"},
       {"unknown code in runways.csv", "d.csv",
        ourHeader + "1,2,KXYZ,9000,150,ASP,1,0,12,44.88,-93.23,,,,30,44.87,"
                    "-93.20,,,\n",

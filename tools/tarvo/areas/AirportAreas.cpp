@@ -1,8 +1,10 @@
 #include "areas/AirportAreas.h"
 
 #include <cctype>
+#include <cmath>
 #include <cstdio>
 #include <map>
+#include <sstream>
 
 #include "areas/RunwayShape.h"
 #include "areas/TaxiwayGraph.h"
@@ -103,9 +105,62 @@ std::string runwayDesignator(const std::string& id) {
   return id;
 }
 
-AirportSource readAirportSource(const std::string& path,
-                                const std::string& icao,
-                                const AirportReadOptions& options) {
+namespace {
+
+bool onTheGlobe(const LatLon& p) {
+  return std::fabs(p.lat) <= 90.0 && std::fabs(p.lon) <= 180.0;
+}
+
+// Every position the source gave lies on the globe and every runway has a
+// finite width: the geometry is built from these, and a vertex off the
+// globe would reach the store, which then cannot be trusted.
+void checkSourcePositions(const AirportSource& source) {
+  auto refuse = [&](const std::string& what, const std::string& where) {
+    throw InputFailure({source.path, 0, "", what + " (" + where + ")"});
+  };
+  auto text = [](const LatLon& p) {
+    std::ostringstream out;
+    out << p.lat << ", " << p.lon;
+    return out.str();
+  };
+  for (const RunwayEnds& r : source.runways) {
+    const std::string name = "runway " + r.end1Id + "/" + r.end2Id;
+    for (const LatLon& end : {r.end1, r.end2}) {
+      if (!onTheGlobe(end)) {
+        refuse(name + ": end " + text(end) +
+                   " is not a latitude in [-90, 90] and a longitude in "
+                   "[-180, 180]",
+               r.where);
+      }
+    }
+    if (!std::isfinite(r.widthM))
+      refuse(name + ": width is not finite", r.where);
+  }
+  for (const HoldLine& line : source.holdLines) {
+    for (const LatLon& node : line.nodes) {
+      if (!onTheGlobe(node)) {
+        refuse("hold line node " + text(node) + " is off the globe",
+               line.where);
+      }
+    }
+  }
+  for (const HoldPosition& hold : source.holdPositions) {
+    if (!onTheGlobe(hold.at)) {
+      refuse("holding position " + text(hold.at) + " is off the globe",
+             "node " + hold.id);
+    }
+  }
+  for (const Taxiway& taxiway : source.taxiways) {
+    for (const LatLon& node : taxiway.nodes) {
+      if (!onTheGlobe(node)) {
+        refuse("taxiway node " + text(node) + " is off the globe", "taxiway");
+      }
+    }
+  }
+}
+
+AirportSource readBySuffix(const std::string& path, const std::string& icao,
+                           const AirportReadOptions& options) {
   const std::string ext = text::lowerExtension(path);
   if (ext == ".dat") return readAptDat(path, icao, options);
   if (ext == ".csv") return readOurAirports(path, icao, options);
@@ -116,6 +171,16 @@ AirportSource readAirportSource(const std::string& path,
                           ext +
                           "' (use an apt.dat .dat file, OurAirports' "
                           "runways .csv, or an OpenStreetMap .osm/.osm.pbf)"});
+}
+
+}  // namespace
+
+AirportSource readAirportSource(const std::string& path,
+                                const std::string& icao,
+                                const AirportReadOptions& options) {
+  AirportSource source = readBySuffix(path, icao, options);
+  checkSourcePositions(source);
+  return source;
 }
 
 std::vector<AreaRecord> deriveAirportAreas(const AirportSource& source,

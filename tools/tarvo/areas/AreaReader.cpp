@@ -102,13 +102,6 @@ void checkStoreText(const Place& place, const char* field, const char* what,
   }
 }
 
-int vertexCount(const std::string& points) {
-  if (points.empty()) return 0;
-  int count = 1;
-  for (char c : points) count += c == ' ' ? 1 : 0;
-  return count;
-}
-
 }  // namespace
 
 void checkAreas(const std::string& path,
@@ -130,7 +123,9 @@ void checkAreas(const std::string& path,
       place.fail("guid", "duplicate GUID '" + r.guid + "' (first used at " +
                              it->second + ")");
     }
-    const int vertices = vertexCount(r.points);
+    // Every source passes the same points check, derived areas too.
+    const int vertices =
+        r.points.empty() ? 0 : checkPointsText(r.points, place);
     if (vertices < 3) {
       place.fail("points", std::to_string(vertices) +
                                " vertices; an area needs at least 3");
