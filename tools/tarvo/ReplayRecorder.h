@@ -55,8 +55,8 @@ enum class FixState { Outside, Near, Inside };
 struct FixRecord {
   TrackFix fix;
   std::size_t index = 0;
-  std::size_t flight = 0;       // which flight of the replay (0 when ungrouped)
-  double clockSeconds = 0.0;    // track time, or the fix index when untimed
+  std::size_t flight = 0;     // which flight of the replay (0 when ungrouped)
+  double clockSeconds = 0.0;  // track time, or the fix index when untimed
   std::vector<Notice> notices;
   std::vector<SoundCall> sounds;
   std::optional<AreaRef> area;
