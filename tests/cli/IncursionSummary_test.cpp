@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -17,8 +19,8 @@ namespace {
 // case: predicted only; 'x': the monitor names b while the aircraft stands
 // on A; 'd': the monitor names A's displaced threshold (predicted) while the
 // aircraft stands on A. '|' starts the next flight. Fix i is at 2 * i s.
-std::vector<FixRecord> track(const std::string& fixes) {
-  std::vector<FixRecord> records;
+ReplayTrace track(const std::string& fixes) {
+  ReplayTrace records;
   std::size_t flight = 0;
   for (const char c : fixes) {
     if (c == '|') {
@@ -39,7 +41,7 @@ std::vector<FixRecord> track(const std::string& fixes) {
       r.state = std::isupper(c) ? FixState::Inside : FixState::Near;
       if (c == 'A' || c == 'x' || c == 'd') r.hazardsInside = {"X RWY 01/19"};
     }
-    records.push_back(r);
+    records.add(r);
   }
   return records;
 }
@@ -185,6 +187,72 @@ TEST(IncursionSummary, LeadStatsPerFlightAndOverall) {
                 .find("Warning lead time: 2 runway entries (1 warned, 1 with "
                       "no warning), 0 warnings with no entry; lead time "
                       "minimum 2.0 s, median 2.0 s"));
+}
+
+// The drawn path: every fix of a short flight; of a long one the first and
+// the last, every fix where the state changes and the fix before it, and
+// evenly spaced fixes between, no more than the limit and no fewer than half.
+TEST(ReplayTrace, ThinsThePathAsTheFixesCome) {
+  constexpr std::size_t kMax = kMaxDrawnFixesPerFlight;
+  struct Case {
+    const char* what;
+    std::vector<std::size_t> flights;  // fixes per flight
+    std::set<std::size_t> near;        // fixes (of the replay) in an area
+  };
+  const Case kCases[] = {
+      {"short: all drawn", {kMax}, {5, 6, 7}},
+      {"long", {5 * kMax + 3}, {1001, 20001, 20002, 39999}},
+      {"flights thinned apart", {kMax / 2, 3 * kMax, 7}, {kMax / 2}},
+  };
+  for (const Case& c : kCases) {
+    ReplayTrace trace;
+    std::size_t index = 0;
+    for (std::size_t f = 0; f < c.flights.size(); ++f) {
+      for (std::size_t i = 0; i < c.flights[f]; ++i, ++index) {
+        FixRecord r;
+        r.index = index;
+        r.flight = f;
+        r.clockSeconds = static_cast<double>(i);
+        if (c.near.count(index)) {
+          r.area = AreaRef{"X RWY 01/19", "A", true};
+          r.state = FixState::Near;
+        }
+        trace.add(r);
+      }
+    }
+    std::set<std::size_t> drawn;
+    for (const DrawnFix& d : trace.drawn()) drawn.insert(d.detail.index);
+    EXPECT_EQ(trace.drawn().size(), drawn.size()) << c.what;
+    std::size_t begin = 0;
+    for (const std::size_t n : c.flights) {
+      const std::size_t end = begin + n;
+      std::vector<std::size_t> spaced;
+      for (std::size_t i = begin; i < end; ++i) {
+        const bool change =
+            i == begin || i + 1 == end ||
+            (i > begin && trace.state(i) != trace.state(i - 1)) ||
+            trace.state(i) != trace.state(i + 1);
+        if (change) {
+          EXPECT_TRUE(drawn.count(i)) << c.what << ": fix " << i;
+        } else if (drawn.count(i)) {
+          spaced.push_back(i - begin);
+        }
+      }
+      if (n <= kMax) {
+        EXPECT_EQ(n, static_cast<std::size_t>(std::count_if(
+                         drawn.begin(), drawn.end(),
+                         [&](std::size_t i) { return i >= begin && i < end; })))
+            << c.what;
+      } else {
+        EXPECT_LE(spaced.size(), kMax) << c.what;
+        EXPECT_GE(spaced.size(), kMax / 2 - c.near.size() * 2) << c.what;
+        const std::size_t stride = spaced.at(1) - spaced.at(0);
+        for (const std::size_t k : spaced)
+          EXPECT_EQ(0u, k % stride) << c.what << ": fix " << k + begin;
+      }
+      begin = end;
+    }
+  }
 }
 
 }  // namespace

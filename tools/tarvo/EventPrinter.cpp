@@ -32,19 +32,19 @@ nlohmann::json statsJson(const LeadStats& s) {
 // Entries with their lead times, warnings with no entry, and the figures
 // over the whole replay and per flight.
 nlohmann::json leadJson(const ReplaySummary& summary,
-                        const std::vector<FixRecord>& records) {
+                        const ReplayTrace& trace) {
   const bool grouped = !summary.flights.empty();
   nlohmann::json entries = nlohmann::json::array();
   for (const RunwayEntry& e : summary.lead.entries) {
-    const FixRecord& entry = records[e.entryIndex];
-    const FixRecord& warning = records[e.warningIndex];
-    nlohmann::json j = {
-        {"runway", e.runway},      {"area", e.area},
-        {"entry", fixTime(entry)}, {"entryLine", entry.fix.sourceLine},
-        {"warned", e.warned},      {"atFlightStart", e.atFlightStart}};
+    nlohmann::json j = {{"runway", e.runway},
+                        {"area", e.area},
+                        {"entry", trace.time(e.entryIndex)},
+                        {"entryLine", trace.line(e.entryIndex)},
+                        {"warned", e.warned},
+                        {"atFlightStart", e.atFlightStart}};
     if (e.warned) {
-      j["firstWarning"] = fixTime(warning);
-      j["firstWarningLine"] = warning.fix.sourceLine;
+      j["firstWarning"] = trace.time(e.warningIndex);
+      j["firstWarningLine"] = trace.line(e.warningIndex);
       j["firstWarningArea"] = e.firstWarning.name;
       j["leadSeconds"] = e.leadSeconds;
     }
@@ -55,9 +55,9 @@ nlohmann::json leadJson(const ReplaySummary& summary,
   for (const UnenteredWarning& u : summary.lead.unentered) {
     nlohmann::json j = {{"runway", u.runway},
                         {"area", u.firstWarning.name},
-                        {"start", fixTime(records[u.startIndex])},
-                        {"end", fixTime(records[u.endIndex])},
-                        {"startLine", records[u.startIndex].fix.sourceLine},
+                        {"start", trace.time(u.startIndex)},
+                        {"end", trace.time(u.endIndex)},
+                        {"startLine", trace.line(u.startIndex)},
                         {"durationSeconds", u.durationSeconds}};
     if (grouped) j["flight"] = flightName(summary, u.flight);
     unentered.push_back(j);
@@ -157,22 +157,20 @@ void EventPrinter::json(const FixRecord& r, const char* event,
 }
 
 void EventPrinter::printSummary(const ReplaySummary& summary,
-                                const std::vector<FixRecord>& records) {
+                                const ReplayTrace& trace) {
   if (!options_.json) {
-    out_ << formatSummary(summary, records);
+    out_ << formatSummary(summary, trace);
     return;
   }
   nlohmann::json episodes = nlohmann::json::array();
   for (const Episode& e : summary.episodes) {
-    const FixRecord& start = records[e.startIndex];
-    const FixRecord& end = records[e.endIndex];
     episodes.push_back({{"area", e.area.name},
                         {"guid", e.area.guid},
                         {"kind", e.area.hazard ? "hazard" : "hold-short"},
-                        {"start", fixTime(start)},
-                        {"end", fixTime(end)},
-                        {"startLine", start.fix.sourceLine},
-                        {"endLine", end.fix.sourceLine},
+                        {"start", trace.time(e.startIndex)},
+                        {"end", trace.time(e.endIndex)},
+                        {"startLine", trace.line(e.startIndex)},
+                        {"endLine", trace.line(e.endIndex)},
                         {"endedWithTrack", e.endedWithTrack},
                         {"aircraftInside", e.aircraftInside},
                         {"durationSeconds", e.durationSeconds}});
@@ -188,7 +186,7 @@ void EventPrinter::printSummary(const ReplaySummary& summary,
                          {"fixesSkipped", summary.fixesSkipped},
                          {"skipped", skipped},
                          {"episodes", episodes},
-                         {"leadTime", leadJson(summary, records)}};
+                         {"leadTime", leadJson(summary, trace)}};
   out_ << line.dump() << "\n";
 }
 

@@ -35,8 +35,7 @@ class EventPrinter {
   // Prints what changed with this fix, compared with the fix before.
   void onFix(const FixRecord& record);
 
-  void printSummary(const ReplaySummary& summary,
-                    const std::vector<FixRecord>& records);
+  void printSummary(const ReplaySummary& summary, const ReplayTrace& trace);
 
  private:
   void human(const FixRecord& r, const std::string& text);

@@ -16,48 +16,46 @@ std::string lineList(const std::vector<int>& lines) {
 
 }  // namespace
 
-ReplaySummary summarize(const std::vector<FixRecord>& records,
+ReplaySummary summarize(const ReplayTrace& trace,
                         const std::vector<SkippedFix>& skipped,
                         const std::vector<std::string>& flights) {
   ReplaySummary summary;
   summary.flights = flights;
-  summary.lead = findLeadTimes(records);
-  summary.fixesRead = records.size();
+  summary.lead = findLeadTimes(trace);
+  summary.fixesRead = trace.size();
   summary.fixesSkipped = skipped.size();
   for (const SkippedFix& s : skipped) {
     summary.skippedByReason[s.reason].push_back(s.sourceLine);
   }
-  for (std::size_t i = 0; i < records.size(); ++i) {
-    const FixRecord& r = records[i];
-    const bool newFlight = i > 0 && records[i - 1].flight != r.flight;
+  for (std::size_t i = 0; i < trace.size(); ++i) {
+    const AreaRef* area = trace.area(i);
+    const bool newFlight = i > 0 && trace.flight(i - 1) != trace.flight(i);
     Episode* open = summary.episodes.empty() ||
                             summary.episodes.back().endIndex != i || newFlight
                         ? nullptr
                         : &summary.episodes.back();
     // An open episode has endIndex == i until a fix ends it.
-    if (open != nullptr && r.area && *r.area == open->area) {
+    if (open != nullptr && area && *area == open->area) {
       open->endIndex = i + 1;
-      open->aircraftInside |= r.state == FixState::Inside;
+      open->aircraftInside |= trace.state(i) == FixState::Inside;
       continue;
     }
-    if (r.area) {
+    if (area) {
       Episode e;
-      e.area = *r.area;
-      e.flight = r.flight;
+      e.area = *area;
+      e.flight = trace.flight(i);
       e.startIndex = i;
       e.endIndex = i + 1;
-      e.aircraftInside = r.state == FixState::Inside;
+      e.aircraftInside = trace.state(i) == FixState::Inside;
       summary.episodes.push_back(e);
     }
   }
   for (Episode& e : summary.episodes) {
-    if (e.endIndex >= records.size() ||
-        records[e.endIndex].flight != e.flight) {
+    if (e.endIndex >= trace.size() || trace.flight(e.endIndex) != e.flight) {
       e.endIndex = e.endIndex - 1;
       e.endedWithTrack = true;
     }
-    e.durationSeconds =
-        records[e.endIndex].clockSeconds - records[e.startIndex].clockSeconds;
+    e.durationSeconds = trace.clock(e.endIndex) - trace.clock(e.startIndex);
   }
   return summary;
 }
@@ -109,7 +107,7 @@ std::string statsLine(const LeadStats& s) {
 }  // namespace
 
 std::string formatSummary(const ReplaySummary& summary,
-                          const std::vector<FixRecord>& records) {
+                          const ReplayTrace& trace) {
   std::ostringstream out;
   out << "Summary: " << summary.fixesRead << " fixes replayed, "
       << summary.fixesSkipped << " skipped\n";
@@ -120,11 +118,9 @@ std::string formatSummary(const ReplaySummary& summary,
   out << "Incursion episodes: " << summary.episodes.size() << "\n";
   int n = 0;
   for (const Episode& e : summary.episodes) {
-    const FixRecord& start = records[e.startIndex];
-    const FixRecord& end = records[e.endIndex];
     out << "  " << ++n << ". " << e.area.name << " ["
         << (e.area.hazard ? "hazard" : "hold-short") << ", " << e.area.guid
-        << "] " << fixTime(start) << " -> " << fixTime(end)
+        << "] " << trace.time(e.startIndex) << " -> " << trace.time(e.endIndex)
         << (e.endedWithTrack ? " (track ends)" : "") << ", "
         << formatDuration(e.durationSeconds)
         << (e.aircraftInside ? ", aircraft inside" : ", predicted only")
@@ -134,12 +130,11 @@ std::string formatSummary(const ReplaySummary& summary,
   n = 0;
   for (const RunwayEntry& e : summary.lead.entries) {
     out << "  " << ++n << ". " << e.area << " entered "
-        << fixTime(records[e.entryIndex]) << " (line "
-        << records[e.entryIndex].fix.sourceLine << "): ";
+        << trace.time(e.entryIndex) << " (line " << trace.line(e.entryIndex)
+        << "): ";
     if (e.warned) {
       out << formatSeconds(e.leadSeconds) << " after the first warning "
-          << fixTime(records[e.warningIndex]) << " (" << e.firstWarning.name
-          << ")";
+          << trace.time(e.warningIndex) << " (" << e.firstWarning.name << ")";
     } else {
       out << (e.atFlightStart ? "no warning (the track starts there)"
                               : "no warning");
@@ -148,8 +143,7 @@ std::string formatSummary(const ReplaySummary& summary,
   }
   for (const UnenteredWarning& u : summary.lead.unentered) {
     out << "  warning, no entry: " << u.firstWarning.name << " "
-        << fixTime(records[u.startIndex]) << " -> "
-        << fixTime(records[u.endIndex]) << ", "
+        << trace.time(u.startIndex) << " -> " << trace.time(u.endIndex) << ", "
         << formatDuration(u.durationSeconds) << inFlight(summary, u.flight)
         << "\n";
   }

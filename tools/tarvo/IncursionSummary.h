@@ -10,6 +10,7 @@
 
 #include "ReplayRecorder.h"
 #include "output/LeadTime.h"
+#include "session/ReplayTrace.h"
 
 namespace tarvo::cli {
 
@@ -39,7 +40,7 @@ struct ReplaySummary {
   std::vector<std::string> flights;
 };
 
-ReplaySummary summarize(const std::vector<FixRecord>& records,
+ReplaySummary summarize(const ReplayTrace& trace,
                         const std::vector<SkippedFix>& skipped,
                         const std::vector<std::string>& flights = {});
 
@@ -52,12 +53,13 @@ std::string formatSeconds(const std::optional<double>& seconds);
 // "12.5 s", "3 min 05 s".
 std::string formatDuration(double seconds);
 
-// The time of a fix as the track gave it, or "fix N" when it gave none.
+// The time of a fix as the track gave it, or "fix N" when it gave none
+// (ReplayTrace::time for a kept fix).
 std::string fixTime(const FixRecord& record);
 
 // Human-readable summary lines.
 std::string formatSummary(const ReplaySummary& summary,
-                          const std::vector<FixRecord>& records);
+                          const ReplayTrace& trace);
 
 }  // namespace tarvo::cli
 

@@ -55,9 +55,9 @@ enum class FixState { Outside, Near, Inside };
 struct FixRecord {
   TrackFix fix;
   std::size_t index = 0;
-  std::size_t flight = 0;       // which flight of the replay (0 when ungrouped)
-  double clockSeconds = 0.0;    // track time, or the fix index when untimed
-  std::vector<Notice> notices;  // emptied once printed (FixSession::hand)
+  std::size_t flight = 0;     // which flight of the replay (0 when ungrouped)
+  double clockSeconds = 0.0;  // track time, or the fix index when untimed
+  std::vector<Notice> notices;
   std::vector<SoundCall> sounds;
   std::optional<AreaRef> area;
   bool onRunway = false;

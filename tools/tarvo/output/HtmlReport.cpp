@@ -101,123 +101,116 @@ json areasJson(const ReportInput& in) {
 
 // The six look-ahead points as metres east and north of the fix, to a
 // decimetre: the monitor's own points, in a quarter of the space.
-json lookAhead(const FixRecord& r) {
+json lookAhead(const FixDetail& d) {
   json out = json::array();
-  const double cosLat = std::cos(r.fix.latitude * M_PI / 180.0);
+  const double cosLat = std::cos(d.latitude * M_PI / 180.0);
   constexpr double kMetersPerDegree = 111'195.0;
-  for (const auto& c : r.predicted) {
+  for (const auto& c : d.predicted) {
     out.push_back(
-        round1((c.longitude - r.fix.longitude) * kMetersPerDegree * cosLat));
-    out.push_back(round1((c.latitude - r.fix.latitude) * kMetersPerDegree));
+        round1((c.longitude - d.longitude) * kMetersPerDegree * cosLat));
+    out.push_back(round1((c.latitude - d.latitude) * kMetersPerDegree));
   }
   return out;
 }
 
 // One fix as the page draws it: [fix index, lat, lon, seconds, km/h,
-// heading, state]; the page's fixes add the look-ahead offsets, and those of
-// events the time as the track wrote it and the source line.
-json fixJson(const FixRecord& r) {
-  return {r.index,
-          round7(r.fix.latitude),
-          round7(r.fix.longitude),
-          round3(r.clockSeconds),
-          round1(r.fix.speedKmh),
-          round1(r.fix.headingDeg),
-          stateCode(r.state)};
+// heading, state, look-ahead offsets]; those of events add the time as the
+// track wrote it and the source line.
+json fixJson(const ReplayTrace& trace, const FixDetail& d) {
+  return {d.index,
+          round7(d.latitude),
+          round7(d.longitude),
+          round3(trace.clock(d.index)),
+          round1(d.speedKmh),
+          round1(d.headingDeg),
+          stateCode(trace.state(d.index)),
+          lookAhead(d)};
+}
+
+// Adds fix i to the page's fixes shown large (the trace keeps the detail of
+// every fix with an event or an entry).
+void showFix(const ReplayTrace& trace, std::size_t i, json& eventFixes) {
+  const FixDetail* d = trace.detail(i);
+  if (!d) return;
+  json f = fixJson(trace, *d);
+  f.push_back(trace.time(i));
+  f.push_back(trace.line(i));
+  eventFixes[std::to_string(i)] = f;
 }
 
 struct FlightRange {
   std::size_t begin = 0, end = 0;
 };
 
-std::vector<FlightRange> flightRanges(const std::vector<FixRecord>& records) {
+std::vector<FlightRange> flightRanges(const ReplayTrace& trace) {
   std::vector<FlightRange> ranges;
-  for (std::size_t i = 0; i < records.size(); ++i) {
-    if (i == 0 || records[i].flight != records[i - 1].flight)
+  for (std::size_t i = 0; i < trace.size(); ++i) {
+    if (i == 0 || trace.flight(i) != trace.flight(i - 1))
       ranges.push_back({i, i});
     ranges.back().end = i + 1;
   }
   return ranges;
 }
 
-// The drawn fixes of one flight: evenly spaced, plus the first and last and
-// each fix whose state or area differs from the fix before.
-json drawnFixes(const std::vector<FixRecord>& records, FlightRange range) {
-  const std::size_t n = range.end - range.begin;
-  const std::size_t step = std::max<std::size_t>(
-      1, (n + kMaxDrawnFixesPerFlight - 1) / kMaxDrawnFixesPerFlight);
+// The drawn fixes of one flight, as the trace thinned them.
+json drawnFixes(const ReplayTrace& trace, FlightRange range) {
   json out = json::array();
-  for (std::size_t i = range.begin; i < range.end; ++i) {
-    const bool changed =
-        i == range.begin || i + 1 == range.end ||
-        records[i].state != records[i - 1].state ||
-        records[i].area != records[i - 1].area ||
-        (i + 1 < range.end && records[i + 1].state != records[i].state);
-    if (changed || (i - range.begin) % step == 0) {
-      json f = fixJson(records[i]);
-      f.push_back(lookAhead(records[i]));
-      out.push_back(f);
-    }
-  }
+  const auto& drawn = trace.drawn();
+  auto it = std::lower_bound(drawn.begin(), drawn.end(), range.begin,
+                             [](const DrawnFix& d, std::size_t index) {
+                               return d.detail.index < index;
+                             });
+  for (; it != drawn.end() && it->detail.index < range.end; ++it)
+    out.push_back(fixJson(trace, it->detail));
   return out;
 }
 
 // Entries and exits as the event printer tells them, and the audible sound
 // events: [fix index, kind, text].
-json eventsJson(const std::vector<FixRecord>& records, FlightRange range,
-                json& eventFixes) {
+json eventsJson(const ReplayTrace& trace, FlightRange range, json& eventFixes) {
   json out = json::array();
-  std::optional<AreaRef> previous;
+  const auto& sounds = trace.sounds();
+  auto sound = std::lower_bound(
+      sounds.begin(), sounds.end(), range.begin,
+      [](const SoundEvent& s, std::size_t index) { return s.index < index; });
   for (std::size_t i = range.begin; i < range.end; ++i) {
-    const FixRecord& r = records[i];
     const std::size_t before = out.size();
-    if (r.area != previous && previous)
-      out.push_back({r.index, "leave", previous->name});
-    if (r.area != previous && r.area) {
-      out.push_back(
-          {r.index, r.area->hazard ? "enter hazard" : "enter hold",
-           r.area->name + (r.state == FixState::Inside ? " (aircraft inside)"
-                                                       : " (predicted)")});
+    const AreaRef* area = trace.area(i);
+    const AreaRef* previous = i > range.begin ? trace.area(i - 1) : nullptr;
+    const bool changed = i == range.begin || !trace.sameArea(i, i - 1);
+    if (changed && previous) out.push_back({i, "leave", previous->name});
+    if (changed && area) {
+      out.push_back({i, area->hazard ? "enter hazard" : "enter hold",
+                     area->name + (trace.state(i) == FixState::Inside
+                                       ? " (aircraft inside)"
+                                       : " (predicted)")});
     }
-    for (const SoundCall& s : r.sounds) {
-      if (!s.audible) continue;
+    for (; sound != sounds.end() && sound->index == i; ++sound) {
+      const SoundCall& s = sound->call;
       out.push_back(
-          {r.index,
-           s.kind == SoundCall::Kind::Start ? "sound start" : "sound stop",
+          {i, s.kind == SoundCall::Kind::Start ? "sound start" : "sound stop",
            s.kind == SoundCall::Kind::Start
                ? std::to_string(s.loops) + (s.loops == 1 ? " loop" : " loops")
                : ""});
     }
-    if (out.size() != before) {
-      json f = fixJson(r);
-      f.push_back(lookAhead(r));
-      f.push_back(fixTime(r));
-      f.push_back(r.fix.sourceLine);
-      eventFixes[std::to_string(r.index)] = f;
-    }
-    previous = r.area;
+    if (out.size() != before) showFix(trace, i, eventFixes);
   }
   return out;
 }
 
 json leadJson(const ReportInput& in, std::size_t flight, json& eventFixes) {
-  const auto& records = *in.records;
+  const ReplayTrace& trace = *in.trace;
   json rows = json::array();
   for (const RunwayEntry& e : in.summary->lead.entries) {
     if (e.flight != flight) continue;
-    const FixRecord& entry = records[e.entryIndex];
-    json f = fixJson(entry);
-    f.push_back(lookAhead(entry));
-    f.push_back(fixTime(entry));
-    f.push_back(entry.fix.sourceLine);
-    eventFixes[std::to_string(entry.index)] = f;
+    showFix(trace, e.entryIndex, eventFixes);
     rows.push_back(
         {{"runway", e.runway},
          {"area", e.area},
-         {"fix", entry.index},
-         {"entry", fixTime(entry)},
+         {"fix", e.entryIndex},
+         {"entry", trace.time(e.entryIndex)},
          {"firstWarning",
-          e.warned ? json(fixTime(records[e.warningIndex])) : json(nullptr)},
+          e.warned ? json(trace.time(e.warningIndex)) : json(nullptr)},
          {"warningArea", e.warned ? json(e.firstWarning.name) : json(nullptr)},
          {"seconds", e.warned ? json(round1(e.leadSeconds)) : json(nullptr)}});
   }
@@ -226,7 +219,7 @@ json leadJson(const ReportInput& in, std::size_t flight, json& eventFixes) {
     if (u.flight != flight) continue;
     unentered.push_back({{"runway", u.runway},
                          {"area", u.firstWarning.name},
-                         {"start", fixTime(records[u.startIndex])},
+                         {"start", trace.time(u.startIndex)},
                          {"seconds", round1(u.durationSeconds)}});
   }
   const LeadStats s = leadStats(in.summary->lead, flight);
@@ -248,12 +241,11 @@ json episodesJson(const ReportInput& in, std::size_t flight) {
   json out = json::array();
   for (const Episode& e : in.summary->episodes) {
     if (e.flight != flight) continue;
-    const FixRecord& start = (*in.records)[e.startIndex];
     out.push_back({{"area", e.area.name},
                    {"kind", e.area.hazard ? "hazard" : "hold-short"},
-                   {"fix", start.index},
-                   {"start", fixTime(start)},
-                   {"end", fixTime((*in.records)[e.endIndex])},
+                   {"fix", e.startIndex},
+                   {"start", in.trace->time(e.startIndex)},
+                   {"end", in.trace->time(e.endIndex)},
                    {"seconds", round1(e.durationSeconds)},
                    {"inside", e.aircraftInside}});
   }
@@ -261,17 +253,17 @@ json episodesJson(const ReportInput& in, std::size_t flight) {
 }
 
 json pageData(const ReportInput& in) {
-  const auto& records = *in.records;
+  const ReplayTrace& trace = *in.trace;
   json flights = json::array();
   json eventFixes = json::object();
-  const auto ranges = flightRanges(records);
+  const auto ranges = flightRanges(trace);
   for (std::size_t f = 0; f < ranges.size(); ++f) {
-    const std::size_t id = records[ranges[f].begin].flight;
+    const std::size_t id = trace.flight(ranges[f].begin);
     std::string name = flightName(*in.summary, id);
     flights.push_back({{"name", name},
                        {"fixes", ranges[f].end - ranges[f].begin},
-                       {"path", drawnFixes(records, ranges[f])},
-                       {"events", eventsJson(records, ranges[f], eventFixes)},
+                       {"path", drawnFixes(trace, ranges[f])},
+                       {"events", eventsJson(trace, ranges[f], eventFixes)},
                        {"episodes", episodesJson(in, id)},
                        {"lead", leadJson(in, id, eventFixes)}});
   }
@@ -298,7 +290,7 @@ void writeHtmlReport(const std::string& path, const ReportInput& in) {
   if (map != std::string::npos) script.erase(map);
   const std::string style = readFile(dir + "/leaflet.css");
   const std::string data = inlineSafe(pageData(in).dump(), "");
-  const std::string summary = formatSummary(*in.summary, *in.records);
+  const std::string summary = formatSummary(*in.summary, *in.trace);
 
   std::ofstream out(path);
   if (!out) throw std::runtime_error("cannot write report " + path);

@@ -18,6 +18,7 @@
 
 #include "IncursionSummary.h"
 #include "ReplayRecorder.h"
+#include "session/ReplayTrace.h"
 
 namespace tarvo::cli {
 
@@ -25,15 +26,11 @@ namespace tarvo::cli {
 struct ReportInput {
   std::string trackName;
   std::shared_ptr<DMPolygonArray> areas;  // may be null
-  const std::vector<FixRecord>* records;
+  const ReplayTrace* trace;
   const ReplaySummary* summary;
   // What was replayed, as label and value (file, filter, store, ...).
   std::vector<std::pair<std::string, std::string>> facts;
 };
-
-// The path is drawn from at most this many fixes per flight, evenly spaced,
-// plus every fix where the state changes; events are never thinned.
-inline constexpr std::size_t kMaxDrawnFixesPerFlight = 8000;
 
 // Where Leaflet is read from: $TARVO_LEAFLET_DIR, else Debian's
 // libjs-leaflet directory.

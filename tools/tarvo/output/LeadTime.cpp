@@ -26,9 +26,9 @@ std::string runwayKey(const std::string& areaName) {
 namespace {
 
 // The runway keys of the hazard areas that hold the fix's own position.
-std::vector<std::string> keysInside(const FixRecord& r) {
+std::vector<std::string> keysInside(const std::vector<std::string>& names) {
   std::vector<std::string> keys;
-  for (const std::string& name : r.hazardsInside) {
+  for (const std::string& name : names) {
     const std::string key = runwayKey(name);
     if (std::find(keys.begin(), keys.end(), key) == keys.end())
       keys.push_back(key);
@@ -38,7 +38,7 @@ std::vector<std::string> keysInside(const FixRecord& r) {
 
 }  // namespace
 
-LeadTimes findLeadTimes(const std::vector<FixRecord>& records) {
+LeadTimes findLeadTimes(const ReplayTrace& trace) {
   LeadTimes out;
   struct Open {
     std::string runway;
@@ -51,38 +51,39 @@ LeadTimes findLeadTimes(const std::vector<FixRecord>& records) {
   } open;
   auto close = [&] {
     if (open.active && !open.occupied) {
-      const FixRecord& s = records[open.start];
       out.unentered.push_back(
-          {open.flight, open.runway, *s.area, open.start, open.last,
-           records[open.last].clockSeconds - s.clockSeconds});
+          {open.flight, open.runway, *trace.area(open.start), open.start,
+           open.last, trace.clock(open.last) - trace.clock(open.start)});
     }
     open.active = false;
   };
   std::vector<std::string> before;
-  for (std::size_t i = 0; i < records.size(); ++i) {
-    const FixRecord& r = records[i];
-    const bool flightStart = i == 0 || records[i - 1].flight != r.flight;
+  for (std::size_t i = 0; i < trace.size(); ++i) {
+    const AreaRef* area = trace.area(i);
+    const std::size_t flight = trace.flight(i);
+    const double clock = trace.clock(i);
+    const bool flightStart = i == 0 || trace.flight(i - 1) != flight;
     if (flightStart) before.clear();
-    const std::string key = r.area ? runwayKey(r.area->name) : std::string();
+    const std::string key = area ? runwayKey(area->name) : std::string();
     if (open.active &&
         (flightStart || (!key.empty() && key != open.runway) ||
-         (key.empty() && r.clockSeconds - records[open.last].clockSeconds >
-                             kWarningGapSeconds)))
+         (key.empty() && clock - trace.clock(open.last) > kWarningGapSeconds)))
       close();
     if (!key.empty()) {
-      if (!open.active) open = Open{key, r.flight, i, i, false, false, true};
+      if (!open.active) open = Open{key, flight, i, i, false, false, true};
       open.last = i;
     }
-    std::vector<std::string> now = keysInside(r);
+    const std::vector<std::string>& inside = trace.hazardsInside(i);
+    std::vector<std::string> now = keysInside(inside);
     for (const std::string& k : now) {
       const bool episode = open.active && open.runway == k;
       if (episode) open.occupied = true;
       if (std::find(before.begin(), before.end(), k) != before.end()) continue;
       if (episode && open.entered) continue;  // back on it: same approach
       RunwayEntry e;
-      e.flight = r.flight;
+      e.flight = flight;
       e.runway = k;
-      for (const std::string& name : r.hazardsInside) {
+      for (const std::string& name : inside) {
         if (runwayKey(name) == k) e.area = name;
       }
       e.entryIndex = i;
@@ -90,11 +91,10 @@ LeadTimes findLeadTimes(const std::vector<FixRecord>& records) {
       e.atFlightStart = flightStart;
       if (episode) {
         open.entered = true;
-        const FixRecord& first = records[open.start];
-        e.firstWarning = *first.area;
+        e.firstWarning = *trace.area(open.start);
         e.warningIndex = open.start;
         e.warned = open.start < i;
-        e.leadSeconds = r.clockSeconds - first.clockSeconds;
+        e.leadSeconds = clock - trace.clock(open.start);
       }
       out.entries.push_back(e);
     }

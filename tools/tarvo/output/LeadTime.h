@@ -41,6 +41,7 @@
 #include <vector>
 
 #include "ReplayRecorder.h"
+#include "session/ReplayTrace.h"
 
 namespace tarvo::cli {
 
@@ -85,8 +86,8 @@ struct LeadStats {
   std::optional<double> medianSeconds;
 };
 
-// Records in replay order, flights contiguous (FixRecord::flight).
-LeadTimes findLeadTimes(const std::vector<FixRecord>& records);
+// Over the fixes of a replay, flights contiguous.
+LeadTimes findLeadTimes(const ReplayTrace& trace);
 
 // Over the whole replay, or one flight.
 LeadStats leadStats(const LeadTimes& lead,

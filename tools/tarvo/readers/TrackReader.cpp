@@ -63,10 +63,14 @@ void checkTime(double epochSeconds, const std::string& path, int line,
 
 }  // namespace detail
 
+TrackFormat resolveTrackFormat(const std::string& path,
+                               const TrackReadOptions& options) {
+  return options.format == TrackFormat::Auto ? formatFromExtension(path)
+                                             : options.format;
+}
+
 Track readTrack(const std::string& path, const TrackReadOptions& options) {
-  const TrackFormat format = options.format == TrackFormat::Auto
-                                 ? formatFromExtension(path)
-                                 : options.format;
+  const TrackFormat format = resolveTrackFormat(path, options);
   const std::string content = text::readWholeFile(path);
   switch (format) {
     case TrackFormat::Nmea:

@@ -95,6 +95,11 @@ Track splitAtTimeGaps(Track track);
 // advance, gives a SkippedFix. sourceLine is the trkpt's line.
 Track readTrack(const std::string& path, const TrackReadOptions& options);
 
+// The format readTrack reads path in: the options' format, else the one the
+// extension names. Throws InputFailure for an unknown extension.
+TrackFormat resolveTrackFormat(const std::string& path,
+                               const TrackReadOptions& options);
+
 // Whether path is read as a stream, line by line as it is written: "-"
 // (standard input), a pipe or FIFO, or a character device (a serial GPS).
 bool isStreamPath(const std::string& path);
@@ -120,6 +125,10 @@ class TrackStream {
   // Blocks for the next line and parses it. Appends what it gave to fixes
   // and skipped; false, with nothing more to come, at the end of input.
   bool next(std::vector<TrackFix>& fixes, std::vector<SkippedFix>& skipped);
+
+  // Whether a line that is not blank has been read (a CSV header, or the
+  // first NMEA sentence).
+  bool started() const { return parser_ != nullptr; }
 
   struct Parser;
 

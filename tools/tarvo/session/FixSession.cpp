@@ -70,7 +70,7 @@ bool FixSession::contains(const std::string& guid, double lat,
 void FixSession::startFlight(const std::string& name) {
   flights_.push_back(name);
   printer_.startFlight(name);
-  if (records_.empty()) return;
+  if (trace_.size() == 0) return;
   const auto& monitor = Tarvo::sharedManager();
   monitor->setLastPolygonName(std::nullopt);
   monitor->setCurrentPolygonName(std::nullopt);
@@ -95,7 +95,7 @@ const FixRecord& FixSession::hand(const TrackFix& fix, double clockSeconds) {
   mainQueue().runPending();  // the play and stop tasks of this fix
   FixRecord r = observe(*monitor, *recorder_);
   r.fix = fix;
-  r.index = records_.size();
+  r.index = trace_.size();
   r.flight = flights_.empty() ? 0 : flights_.size() - 1;
   r.clockSeconds = clockSeconds;
   for (const Box& b : hazardBoxes_) {
@@ -111,15 +111,13 @@ const FixRecord& FixSession::hand(const TrackFix& fix, double clockSeconds) {
                   : FixState::Near;
   }
   printer_.onFix(r);
-  // Printed; the summary and the report need only the area and the state,
-  // and a long replay must not keep a notice per fix.
-  std::vector<Notice>().swap(r.notices);
-  records_.push_back(std::move(r));
-  return records_.back();
+  trace_.add(r);
+  last_ = std::move(r);
+  return last_;
 }
 
 void FixSession::printSummary(const std::vector<SkippedFix>& skipped) {
-  printer_.printSummary(summarize(records_, skipped, flights_), records_);
+  printer_.printSummary(summarize(trace_, skipped, flights_), trace_);
   out_.flush();
 }
 

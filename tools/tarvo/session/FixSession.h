@@ -15,11 +15,12 @@
 #include "EventPrinter.h"
 #include "ReplayRecorder.h"
 #include "readers/Records.h"
+#include "session/ReplayTrace.h"
 
 namespace tarvo::cli {
 
-// Owns the monitor's delegate for its lifetime and keeps a record of every
-// fix handed in, for the closing summary.
+// Owns the monitor's delegate for its lifetime and keeps a trace of every
+// fix handed in, for the closing summary and the report.
 //
 // Sound: with realSound the caution plays through the library's player
 // (SDL's silent output when the machine has no audio device); without it
@@ -53,15 +54,16 @@ class FixSession {
   const std::vector<std::string>& flights() const { return flights_; }
 
   // Hands one fix to the monitor, runs the main queue's pending tasks, and
-  // prints and keeps what changed. clockSeconds is the fix's time on the
-  // session's clock (it drives the silent player): non-decreasing seconds.
-  // The returned record stays valid until the next call.
+  // prints what changed, and keeps what the summary and the report need.
+  // clockSeconds is the fix's time on the session's clock (it drives the
+  // silent player): non-decreasing seconds. The returned record stays valid
+  // until the next call.
   const FixRecord& hand(const TrackFix& fix, double clockSeconds);
 
   // The stored areas the monitor loaded; never null.
   std::shared_ptr<DMPolygonArray> areas() const { return areas_; }
 
-  const std::vector<FixRecord>& records() const { return records_; }
+  const ReplayTrace& trace() const { return trace_; }
 
   // Prints the summary of every fix handed in, with the records the source
   // read but could not turn into fixes.
@@ -81,7 +83,8 @@ class FixSession {
   };
   std::vector<Box> hazardBoxes_;
   EventPrinter printer_;
-  std::vector<FixRecord> records_;
+  ReplayTrace trace_;
+  FixRecord last_;
   std::vector<std::string> flights_;
 };
 
