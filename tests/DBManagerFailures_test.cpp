@@ -20,8 +20,6 @@ using storetest::LogCapture;
 using storetest::TempDocuments;
 using tarvo::DBManager;
 
-const std::string kInto = "insert into" + std::string(31, ' ');
-
 struct Op {
   const char* name;
   std::function<std::string(DBManager&)> run;  // the result, as text
@@ -37,17 +35,14 @@ std::string yesNo(bool b) { return b ? "YES" : "NO"; }
 const Op kOps[] = {
     {"addPolygonName",
      [](DBManager& s) { return std::to_string(s.addPolygonName("RWY", "g")); },
-     kInto + "polygon (polygonname, polygonguid) values (\"RWY\", \"g\")",
-     "-1"},
+     storetest::polygonInsert("RWY", "g"), "-1"},
     {"addPolygonPoint",
      [](DBManager& s) {
        s.addPolygonPoint("50", "8", 1);
        return std::to_string(s.getAllPolygonPointsforPolygonID(1)->size()) +
               " vertices";
      },
-     kInto + "polygonPoints (latitude, longitude, polygonid) values (\"50\", "
-             "\"8\", 1 )",
-     "0 vertices"},
+     storetest::pointInsert("50", "8", 1), "0 vertices"},
     {"isPolygonGuidExist",
      [](DBManager& s) { return yesNo(s.isPolygonGuidExist("g")); }, "", "NO"},
     {"getAllPolygons",

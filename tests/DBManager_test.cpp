@@ -17,21 +17,10 @@ namespace {
 
 using storetest::Db;
 using storetest::LogCapture;
+using storetest::pointInsert;
+using storetest::polygonInsert;
 using storetest::TempDocuments;
 using tarvo::DBManager;
-
-const std::string kInto = "insert into" + std::string(31, ' ');
-
-std::string polygonInsert(const std::string& name, const std::string& guid) {
-  return kInto + "polygon (polygonname, polygonguid) values (\"" + name +
-         "\", \"" + guid + "\")";
-}
-
-std::string pointInsert(const std::string& lat, const std::string& lon,
-                        int id) {
-  return kInto + "polygonPoints (latitude, longitude, polygonid) values (\"" +
-         lat + "\", \"" + lon + "\", " + std::to_string(id) + " )";
-}
 
 // "lat,lon" for every vertex of the polygon.
 std::vector<std::string> vertices(DBManager& store, int id) {

@@ -1,6 +1,7 @@
 // The monitor object: its shared instance, its fresh state, set-up and the
 // intake of fixes.
 #include <TarvoFramework/Directories.h>
+#include <TarvoFramework/Geometry.h>
 #include <TarvoFramework/MainQueue.h>
 #include <TarvoFramework/Tarvo.h>
 #include <gtest/gtest.h>
@@ -97,28 +98,24 @@ TEST(Monitor, IntakeRecordsTheFixAndClearsProcessing) {
 }
 
 TEST(Monitor, IntakeHandsHeadingBeforeSpeedToTheProjection) {
-  // Speed 10 on heading 90: swapping the two would project 90 km/h on
-  // heading 10 and move every point north.
+  // Speed 10 on heading 90, whose exact points Geometry_test checks:
+  // swapping the two would project 90 km/h on heading 10.
   const std::shared_ptr<Tarvo>& monitor = Tarvo::sharedManager();
   monitor->checkPointinPolygonLatitude(12.9716, 77.5946, 10.0, 90.0);
-  const struct {
-    CLLocationCoordinate2D got;
-    double lat, lon;
-    const char* what;
-  } members[] = {
-      {monitor->pLeftCoordinate, 12.971616744995117, 77.59469604492188, "left"},
-      {monitor->pMiddleCoordinate, 12.971599578857422, 77.59469604492188,
-       "middle"},
-      {monitor->pRightCoordinate, 12.971582412719727, 77.59469604492188,
-       "right"},
-      {monitor->pmidLeftCoordinate, 12.97160816192627, 77.59464263916016,
-       "midLeft"},
-      {monitor->pmidMiddleCoordinate, 12.971599578857422, 77.59465026855469,
-       "midMiddle"},
-      {monitor->pmidRightCoordinate, 12.971590995788574, 77.59464263916016,
-       "midRight"},
-  };
-  for (const auto& m : members) expectAt(m.got, m.lat, m.lon, m.what);
+  const PredictedPositions want =
+      predictPositions({12.9716, 77.5946}, 90.0, 10.0);
+  expectAt(monitor->pLeftCoordinate, want.left.latitude, want.left.longitude,
+           "left");
+  expectAt(monitor->pMiddleCoordinate, want.middle.latitude,
+           want.middle.longitude, "middle");
+  expectAt(monitor->pRightCoordinate, want.right.latitude, want.right.longitude,
+           "right");
+  expectAt(monitor->pmidLeftCoordinate, want.midLeft.latitude,
+           want.midLeft.longitude, "midLeft");
+  expectAt(monitor->pmidMiddleCoordinate, want.midMiddle.latitude,
+           want.midMiddle.longitude, "midMiddle");
+  expectAt(monitor->pmidRightCoordinate, want.midRight.latitude,
+           want.midRight.longitude, "midRight");
 }
 
 TEST(Monitor, FixesBeforeInitializesAreEvaluatedAgainstNothing) {
@@ -152,12 +149,6 @@ TEST(Monitor, PropertiesShareWhatTheyAreHanded) {
   delegate.reset();
   EXPECT_FALSE(monitor.delegate());  // held weakly
 }
-
-}  // namespace
-}  // namespace tarvo
-
-namespace tarvo {
-namespace {
 
 TEST(Monitor, NonNumbersInAFixNeverFail) {
   const double nan = std::nan("");

@@ -4,7 +4,6 @@
 #include <TarvoFramework/Tarvo.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 
 #include "support/MonitorDoubles.h"
@@ -40,23 +39,25 @@ CLLocationCoordinate2D insideBox(int k) {
 struct ZoneCase {
   const char* what;
   std::vector<AreaSpec> areas;
-  std::array<int, 7> probeBox;  // box each probe stands in
-  bool result;
-  bool onRunway;
-  bool hazard;
-  OptionalString name;  // also checks the GUID, "guid-" + name
+  const char* probeBox;  // see placeProbes
+  const char* verdict;   // result, on runway, hazard: each 'y' or 'n'
+  OptionalString name;   // also checks the GUID, "guid-" + name
 };
 
 const OptionalString kPrevious = std::string("previous");
 
-void placeProbes(Tarvo& m, const std::array<int, 7>& boxOf) {
-  m.setCurrentLocation(insideBox(boxOf[kCurrent]));
-  m.pmidLeftCoordinate = insideBox(boxOf[kMidLeft]);
-  m.pmidMiddleCoordinate = insideBox(boxOf[kMidMiddle]);
-  m.pmidRightCoordinate = insideBox(boxOf[kMidRight]);
-  m.pLeftCoordinate = insideBox(boxOf[kLeft]);
-  m.pMiddleCoordinate = insideBox(boxOf[kMiddle]);
-  m.pRightCoordinate = insideBox(boxOf[kRight]);
+// boxOf holds the box of each probe by digit, '.' for nowhere.
+void placeProbes(Tarvo& m, const char* boxOf) {
+  auto at = [&](Probe p) {
+    return insideBox(boxOf[p] == '.' ? kNowhere : boxOf[p] - '0');
+  };
+  m.setCurrentLocation(at(kCurrent));
+  m.pmidLeftCoordinate = at(kMidLeft);
+  m.pmidMiddleCoordinate = at(kMidMiddle);
+  m.pmidRightCoordinate = at(kMidRight);
+  m.pLeftCoordinate = at(kLeft);
+  m.pMiddleCoordinate = at(kMiddle);
+  m.pRightCoordinate = at(kRight);
 }
 
 std::shared_ptr<DMPolygonArray> buildAreas(const std::vector<AreaSpec>& specs) {
@@ -81,120 +82,58 @@ void presetEarlierMatch(Tarvo& m) {
 }
 
 TEST(ZoneEvaluation, StateAfterOneEvaluation) {
-  const int X = kNowhere;
   const OptionalString R = std::string("RWY 12R/30L"),
                        B = std::string("RWY 04/22"),
                        H = std::string("RWY 12R HOLD SHORT"),
                        H2 = std::string("HOLD SHORT B3"), E = std::string();
+  // clang-format off
   const ZoneCase cases[] = {
       {"nothing near any area",
-       {{R, 0}},
-       {X, X, X, X, X, X, X},
-       false,
-       false,
-       true,
-       kPrevious},
-      {"on a runway", {{R, 0}}, {0, X, X, X, X, X, X}, true, true, true, R},
+       {{R, 0}}, ".......", "nny", kPrevious},
+      {"on a runway",
+       {{R, 0}}, "0......", "yyy", R},
       {"about to enter a runway",
-       {{R, 0}},
-       {X, X, X, X, X, 0, X},
-       true,
-       false,
-       true,
-       R},
+       {{R, 0}}, ".....0.", "yny", R},
       {"nearer left point on A stops the scan before B, where the aircraft is",
-       {{R, 0}, {B, 1}},
-       {1, 0, X, X, X, X, X},
-       true,
-       false,
-       true,
-       R},
+       {{R, 0}, {B, 1}}, "10.....", "yny", R},
       {"in a hold-short area only: the scan goes on through the runway",
-       {{H, 0}, {R, 1}},
-       {0, X, X, X, X, X, X},
-       true,
-       false,
-       false,
-       H},
+       {{H, 0}, {R, 1}}, "0......", "ynn", H},
       {"in a hold-short area, far middle point on the runway: runway wins",
-       {{H, 0}, {R, 1}},
-       {0, X, X, X, X, 1, X},
-       true,
-       false,
-       true,
-       R},
+       {{H, 0}, {R, 1}}, "0....1.", "yny", R},
       {"predicted points in two hold-short areas: the last match names it",
-       {{H, 0}, {H2, 1}},
-       {X, X, 0, X, X, 1, X},
-       true,
-       false,
-       false,
-       H2},
+       {{H, 0}, {H2, 1}}, "..0..1.", "ynn", H2},
       {"far right point on a runway does not stop the scan",
-       {{R, 0}, {B, 1}},
-       {X, X, X, X, X, X, 0},
-       true,
-       false,
-       true,
-       R},
+       {{R, 0}, {B, 1}}, "......0", "yny", R},
       {"far right point on a runway, then the aircraft in a hold-short area",
-       {{R, 0}, {H, 1}},
-       {1, X, X, X, X, X, 0},
-       true,
-       false,
-       false,
-       H},
+       {{R, 0}, {H, 1}}, "1.....0", "ynn", H},
       {"empty-named area matched by the aircraft stops the scan",
-       {{E, 0}, {R, 1}},
-       {0, X, X, X, X, 1, X},
-       true,
-       true,
-       true,
-       E},
+       {{E, 0}, {R, 1}}, "0....1.", "yyy", E},
       {"empty-named area matched only by the far right point",
-       {{E, 0}, {R, 1}},
-       {X, X, X, X, X, X, 0},
-       false,
-       false,
-       true,
-       E},
+       {{E, 0}, {R, 1}}, "......0", "nny", E},
       {"absent name is a hold-short area: the verdict is the last test's",
-       {{std::nullopt, 0}},
-       {0, X, X, X, X, X, X},
-       false,
-       false,
-       false,
-       std::nullopt},
+       {{std::nullopt, 0}}, "0......", "nnn", std::nullopt},
       {"absent name, last test inside",
-       {{std::nullopt, 0}},
-       {X, X, X, X, X, X, 0},
-       true,
-       false,
-       false,
-       std::nullopt},
+       {{std::nullopt, 0}}, "......0", "ynn", std::nullopt},
       {"two areas with one name: the first hazard match wins",
-       {{R, 0}, {R, 0}},
-       {0, X, X, X, X, X, X},
-       true,
-       true,
-       true,
-       R},
+       {{R, 0}, {R, 0}}, "0......", "yyy", R},
   };
+  // clang-format on
   for (const ZoneCase& c : cases) {
     Tarvo m;
     presetEarlierMatch(m);
     m.setPolygons(buildAreas(c.areas));
     placeProbes(m, c.probeBox);
-    EXPECT_EQ(c.result, m.processPointInPolygon()) << c.what;
-    EXPECT_EQ(c.onRunway, m.onRunway()) << c.what;
-    EXPECT_EQ(c.hazard, m.isHazardArea()) << c.what;
+    const bool result = c.verdict[0] == 'y';
+    EXPECT_EQ(result, m.processPointInPolygon()) << c.what;
+    EXPECT_EQ(c.verdict[1] == 'y', m.onRunway()) << c.what;
+    EXPECT_EQ(c.verdict[2] == 'y', m.isHazardArea()) << c.what;
     EXPECT_EQ(c.name, m.currentPolygonName()) << c.what;
     const OptionalString guid =
         c.name ? OptionalString("guid-" + *c.name) : std::nullopt;
     EXPECT_EQ(guid, m.currentPolygonGuid()) << c.what;
 
     // With unchanged inputs a second evaluation agrees with the first.
-    EXPECT_EQ(c.result, m.processPointInPolygon()) << c.what << " (again)";
+    EXPECT_EQ(result, m.processPointInPolygon()) << c.what << " (again)";
     EXPECT_EQ(c.name, m.currentPolygonName()) << c.what << " (again)";
   }
 }
@@ -230,8 +169,7 @@ TEST(ZoneEvaluation, DegenerateAreasNeverMatchAndNeverFail) {
   m.setPolygons(list);
   for (CLLocationCoordinate2D p :
        {CLLocationCoordinate2D{0.5, 0.5}, {nan, nan}, {0.0, 0.0}}) {
-    placeProbes(m, {kNowhere, kNowhere, kNowhere, kNowhere, kNowhere, kNowhere,
-                    kNowhere});
+    placeProbes(m, ".......");
     m.setCurrentLocation(p);
     EXPECT_FALSE(m.processPointInPolygon());
     EXPECT_FALSE(m.currentPolygonName());

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "../readers/ReaderTestUtil.h"
 #include "readers/Records.h"
 
 namespace tarvo::cli {
@@ -296,12 +297,6 @@ TEST(AirportAreas, HoldShortAreasRunFromTheMarkingToTheirRunway) {
   }
 }
 
-std::string writeFile(const std::string& name, const std::string& text) {
-  const std::string path = ::testing::TempDir() + name;
-  std::ofstream(path) << text;
-  return path;
-}
-
 TEST(AirportAreas, BadSourcesAreRefusedNamingTheLine) {
   const std::string row1 = "1 841 1 0 KXYZ Test\n";
   const std::string rwy =
@@ -354,17 +349,9 @@ TEST(AirportAreas, BadSourcesAreRefusedNamingTheLine) {
   };
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.what);
-    const std::string path = writeFile(c.file, c.content);
-    try {
-      derive(path, c.icao);
-      ADD_FAILURE() << "no InputFailure";
-    } catch (const InputFailure& failure) {
-      EXPECT_EQ(failure.error().file, path);
-      EXPECT_EQ(failure.error().line, c.line);
-      EXPECT_EQ(failure.error().field, c.field);
-      EXPECT_NE(failure.error().message.find(c.message), std::string::npos)
-          << failure.error().message;
-    }
+    const std::string path = writeInput(c.file, c.content);
+    expectRefusal([&] { derive(path, c.icao); }, path, c.line, c.field,
+                  c.message);
   }
 }
 

@@ -125,90 +125,60 @@ const std::string kRmc =
     sentence("GPRMC,123519.25,A,4807.038,N,01131.000,E,022.4,084.4,230394,,");
 
 TEST(NmeaReader, DecodesSentences) {
+  struct Fix {
+    double latitude, longitude, speedKmh, headingDeg;
+  };
   struct Case {
     const char* what;
     std::vector<std::string> lines;
-    int fixes;
-    double latitude, longitude, speedKmh, headingDeg;
+    std::optional<Fix> fix;
     std::vector<std::string> skipReasons;
   };
+  const Fix kRmcFix = {48.1173, 11.516666666666667, 22.4 * 1.852, 84.4};
+  const std::string kRmcNoCourse =
+      sentence("GPRMC,123519,A,4807.038,N,01131.000,E,1.0,,230394,,");
+  const std::string kVtg = sentence("GPVTG,77.5,T,,M,1.0,N,1.9,K");
+  // clang-format off
   const Case kCases[] = {
-      {"plain RMC",
-       {"# comment", kRmc},
-       1,
-       48.1173,
-       11.516666666666667,
-       22.4 * 1.852,
-       84.4,
-       {}},
+      {"plain RMC", {"# comment", kRmc}, kRmcFix, {}},
       {"south and west, GN talker, NMEA 4.1 status field",
        {sentence(
-           "GNRMC,000000,A,2712.6520,S,15303.1397,W,0.00,10.5,010100,,,A,V")},
-       1,
-       -27.210866666666668,
-       -153.05232833333334,
-       0.0,
-       10.5,
-       {}},
-      {"status V",
-       {sentence("GPRMC,,V,,,,,,,,,,N")},
-       0,
-       0,
-       0,
-       0,
-       0,
+            "GNRMC,000000,A,2712.6520,S,15303.1397,W,0.00,10.5,010100,,,A,V")},
+       Fix{-27.210866666666668, -153.05232833333334, 0.0, 10.5}, {}},
+      {"status V", {sentence("GPRMC,,V,,,,,,,,,,N")}, std::nullopt,
        {"RMC status V (no fix)"}},
       {"empty course taken from the VTG of the same epoch",
-       {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,1.0,,230394,,"),
-        sentence("GPVTG,77.5,T,,M,1.0,N,1.9,K")},
-       1,
-       48.1173,
-       11.516666666666667,
-       1.852,
-       77.5,
-       {}},
+       {kRmcNoCourse, kVtg}, Fix{48.1173, 11.516666666666667, 1.852, 77.5}, {}},
       {"a VTG after the next epoch's GGA does not fill the RMC",
-       {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,1.0,,230394,,"),
+       {kRmcNoCourse,
         sentence("GPGGA,123520,4807.038,N,01131.000,E,1,04,2.7,37.0,M,,M,,"),
-        sentence("GPVTG,77.5,T,,M,1.0,N,1.9,K")},
-       0,
-       0,
-       0,
-       0,
-       0,
+        kVtg},
+       std::nullopt,
        {"RMC without course over ground (none in its epoch's VTG/GGA either)"}},
       {"proprietary and other sentences are ignored",
        {sentence("PGRME,15.0,M,45.0,M,25.0,M"), sentence("INDPT,2.2,0.0"),
         kRmc},
-       1,
-       48.1173,
-       11.516666666666667,
-       22.4 * 1.852,
-       84.4,
-       {}},
+       kRmcFix, {}},
       {"a capture that starts mid-sentence and stops mid-sentence",
        {"01131.000,E,022.4,084.4,230394,,*6A", kRmc, "$GPRMC,123520,A,48"},
-       1,
-       48.1173,
-       11.516666666666667,
-       22.4 * 1.852,
-       84.4,
+       kRmcFix,
        {"fragment before the first complete sentence",
         "last sentence cut short"}},
   };
+  // clang-format on
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.what);
     const Track track = readTrack(writeInput("t.nmea", joinLines(c.lines)), {});
-    ASSERT_EQ(track.fixes.size(), static_cast<std::size_t>(c.fixes));
+    ASSERT_EQ(track.fixes.size(), c.fix ? 1u : 0u);
     std::vector<std::string> reasons;
     for (const SkippedFix& s : track.skipped) reasons.push_back(s.reason);
     EXPECT_EQ(reasons, c.skipReasons);
-    if (c.fixes == 0) continue;
+    if (!c.fix) continue;
     const TrackFix& fix = track.fixes[0];
-    EXPECT_DOUBLE_EQ(fix.latitude, c.latitude);
-    EXPECT_DOUBLE_EQ(fix.longitude, c.longitude);
-    EXPECT_DOUBLE_EQ(fix.speedKmh, c.speedKmh);
-    EXPECT_DOUBLE_EQ(fix.headingDeg, c.headingDeg);
+    EXPECT_DOUBLE_EQ(fix.latitude, c.fix->latitude);
+    EXPECT_DOUBLE_EQ(fix.longitude, c.fix->longitude);
+    EXPECT_DOUBLE_EQ(fix.speedKmh, c.fix->speedKmh);
+    EXPECT_DOUBLE_EQ(fix.headingDeg, c.fix->headingDeg);
   }
 }
 
@@ -229,55 +199,35 @@ TEST(NmeaReader, RefusesCorruptSentences) {
   };
   std::string corrupt = kRmc;
   corrupt[20] = '9';  // one digit of the latitude changed in transit
+  const std::string kNoChecksum =
+      "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,,";
+  // clang-format off
   const Case kCases[] = {
       {"checksum mismatch", {kRmc, corrupt, kRmc}, 2, "checksum"},
       {"mismatch on the first line", {corrupt, kRmc}, 1, "checksum"},
-      {"missing checksum inside the log",
-       {kRmc, "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,,",
-        kRmc},
-       2,
-       "checksum"},
-      {"text that is no sentence after the first one",
-       {kRmc, "hello", kRmc},
-       2,
-       "sentence"},
+      {"missing checksum inside the log", {kRmc, kNoChecksum, kRmc},
+       2, "checksum"},
+      {"text that is no sentence after the first one", {kRmc, "hello", kRmc},
+       2, "sentence"},
       {"latitude not ddmm.mmmm",
        {sentence("GPRMC,123519,A,48x7.038,N,01131.000,E,022.4,084.4,230394,,")},
-       1,
-       "latitude"},
+       1, "latitude"},
       {"hemisphere letter",
        {sentence("GPRMC,123519,A,4807.038,E,01131.000,E,022.4,084.4,230394,,")},
-       1,
-       "latitude"},
+       1, "latitude"},
       {"speed not a number",
        {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,fast,084.4,230394,,")},
-       1,
-       "speed"},
-      {"date",
-       {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,1,2,320394,,")},
-       1,
-       "date"},
-      {"time",
-       {sentence("GPRMC,12:35,A,4807.038,N,01131.000,E,1,2,230394,,")},
-       1,
-       "time"},
+       1, "speed"},
+      {"date", {sentence("GPRMC,123519,A,4807.038,N,01131.000,E,1,2,320394,,")},
+       1, "date"},
+      {"time", {sentence("GPRMC,12:35,A,4807.038,N,01131.000,E,1,2,230394,,")},
+       1, "time"},
   };
+  // clang-format on
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.what);
     const std::string path = writeInput("bad.nmea", joinLines(c.lines));
-    try {
-      readTrack(path, {});
-      ADD_FAILURE() << "no InputFailure";
-    } catch (const InputFailure& failure) {
-      EXPECT_EQ(failure.error().file, path);
-      EXPECT_EQ(failure.error().line, c.line);
-      EXPECT_EQ(failure.error().field, c.field);
-      EXPECT_EQ(
-          std::string(failure.what())
-              .rfind(path + ":" + std::to_string(c.line) + ": " + c.field, 0),
-          0u)
-          << failure.what();
-    }
+    expectRefusal([&] { readTrack(path, {}); }, path, c.line, c.field);
   }
 }
 

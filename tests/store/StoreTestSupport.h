@@ -120,6 +120,21 @@ class Db {
   sqlite3* db_ = nullptr;
 };
 
+// The inserts exactly as the store logs them.
+inline std::string polygonInsert(const std::string& name,
+                                 const std::string& guid) {
+  return "insert into" + std::string(31, ' ') +
+         "polygon (polygonname, polygonguid) values (\"" + name + "\", \"" +
+         guid + "\")";
+}
+
+inline std::string pointInsert(const std::string& lat, const std::string& lon,
+                               int id) {
+  return "insert into" + std::string(31, ' ') +
+         "polygonPoints (latitude, longitude, polygonid) values (\"" + lat +
+         "\", \"" + lon + "\", " + std::to_string(id) + " )";
+}
+
 // The two tables as the store creates them, for files made by the tests.
 inline void createTables(Db& db) {
   db.exec(
