@@ -7,10 +7,12 @@ set -euo pipefail
 
 packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev libboost-dev
           nlohmann-json3-dev libpugixml-dev libgps-dev
-          libespeak-ng-dev espeak-ng-data)
+          libespeak-ng-dev espeak-ng-data
+          help2man pybind11-dev python3-dev)
 case "${1:-}" in
   --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame
-                      chromium clang gpsd gpsd-clients) ;;
+                      chromium clang gpsd gpsd-clients
+                      doxygen dpkg-dev python3-pytest python3-pandas) ;;
   --fuzz) packages+=(clang libclang-rt-dev) ;;
   --i386) packages+=(g++-multilib libgtest-dev) ;;
 esac

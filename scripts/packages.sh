@@ -1,0 +1,123 @@
+#!/usr/bin/env bash
+# Builds the Debian packages, lists their contents, installs them on this
+# machine and uses them as a host developer would: the example hosts built
+# against /usr with CMake and with pkg-config, a pkg-config consumer built
+# after `cmake --install` to a non-default prefix (and again after moving
+# that prefix), the tool's man page and completion, and the Python module.
+# Then removes the packages it installed, leaving the machine as found.
+# Usage: scripts/packages.sh [--build-dir DIR]   (default build-packages)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+src=$(pwd)
+build_dir=build-packages
+case "${1:-}" in
+  --build-dir) build_dir=$2 ;;
+  -h|--help) sed -n 2,8p "$0"; exit 0 ;;
+  "") ;;
+  *) echo "packages.sh: unknown option '$1'" >&2; exit 2 ;;
+esac
+sudo=""
+if [[ $(id -u) -ne 0 ]]; then sudo="sudo"; fi
+
+scripts/setup.sh --tests
+cmake -S . -B "$build_dir" -DCMAKE_BUILD_TYPE=Release -DTARVO_BUILD_TESTS=OFF \
+  -DTARVO_BUILD_BENCHMARKS=OFF -DTARVO_BUILD_EXAMPLES=OFF > /dev/null
+cmake --build "$build_dir" -j "$(nproc)" > /dev/null
+rm -f "$build_dir"/*.deb
+(cd "$build_dir" && cpack > /dev/null)
+debs=("$build_dir"/*.deb)
+
+echo "== Packages"
+for deb in "${debs[@]}"; do
+  echo "-- $(basename "$deb")"
+  dpkg-deb --field "$deb" Package Version Depends
+  dpkg-deb --contents "$deb"
+done
+
+work=$(mktemp -d)
+installed_here=()
+cleanup() {
+  if ((${#installed_here[@]})); then
+    echo "== Removing ${installed_here[*]}"
+    $sudo apt-get -o DPkg::Lock::Timeout=600 purge -y -qq "${installed_here[@]}" \
+      > /dev/null
+  fi
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+names=()
+for deb in "${debs[@]}"; do
+  name=$(dpkg-deb --field "$deb" Package)
+  names+=("$name")
+  if dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q "ok installed"; then
+    echo "packages.sh: $name is installed already; remove it first" >&2
+    exit 1
+  fi
+done
+echo "== Installing ${names[*]}"
+installed_here=("${names[@]}")
+export DEBIAN_FRONTEND=noninteractive
+$sudo apt-get -o DPkg::Lock::Timeout=600 install -y -qq \
+  "${debs[@]/#/$src/}" > /dev/null
+
+expect() {  # expect PATTERN COMMAND...: runs it, fails unless PATTERN shows
+  local pattern=$1 out; shift
+  out=$("$@" 2>&1) || { echo "$out"; echo "FAILED: $*" >&2; return 1; }
+  if ! grep -qE "$pattern" <<<"$out"; then
+    echo "$out"; echo "FAILED: '$pattern' not in the output of: $*" >&2; return 1
+  fi
+  echo "ok: $*"
+}
+warned='warning: RWY 09/27 \(example-rwy\), on it'
+
+echo "== The example hosts against the installed packages, with CMake"
+for host in host c-host; do
+  cmake -S examples/$host -B "$work/cmake-$host" > /dev/null
+  cmake --build "$work/cmake-$host" > /dev/null
+done
+export SDL_AUDIODRIVER=dummy
+expect "$warned" "$work/cmake-host/tarvo-example-host" "$work/data-cmake"
+expect "$warned" "$work/cmake-c-host/tarvo-example-c-host" "$work/data-cmake-c"
+
+echo "== The example hosts with pkg-config"
+read -r -a flags <<<"$(pkg-config --cflags --libs TarvoFramework)"
+c++ -std=c++17 examples/host/main.cpp -Iexamples/host "${flags[@]}" -pthread \
+  -o "$work/pc-host"
+cc -std=c99 examples/c-host/main.c "${flags[@]}" -o "$work/pc-c-host"
+expect "$warned" "$work/pc-host" "$work/data-pc"
+expect "$warned" "$work/pc-c-host" "$work/data-pc-c"
+
+echo "== A pkg-config consumer after an install to a non-default prefix"
+cmake --install "$build_dir" --prefix "$work/opt/tarvo" > /dev/null
+consume() {  # consume PREFIX: builds the C host from PREFIX's .pc file, runs it
+  local prefix=$1 libdir
+  export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+  libdir=$(pkg-config --variable=libdir TarvoFramework)
+  [[ "$(realpath "$libdir")" == "$(realpath "$prefix/lib")" ]] || {
+    echo "FAILED: the .pc file points to $libdir, not $prefix/lib" >&2; return 1; }
+  read -r -a flags <<<"$(pkg-config --cflags --libs TarvoFramework)"
+  cc -std=c99 examples/c-host/main.c "${flags[@]}" -Wl,-rpath,"$(realpath "$libdir")" \
+    -o "$work/consumer"
+  expect "$warned" "$work/consumer" "$work/data-$RANDOM"
+  # It runs the library of that prefix, not the packaged one.
+  expect "$prefix/lib/libTarvoFramework.so.1" ldd "$work/consumer"
+  unset PKG_CONFIG_PATH
+}
+consume "$work/opt/tarvo"
+mv "$work/opt/tarvo" "$work/opt/moved"
+consume "$work/opt/moved"
+
+echo "== The tool"
+expect "^Usage: tarvo" tarvo --help
+if [[ -f "$build_dir/docs/tarvo.1" ]]; then
+  expect "tarvo" man -w tarvo
+  test -f /usr/share/bash-completion/completions/tarvo
+  echo "ok: bash completion installed"
+fi
+
+if [[ " ${names[*]} " == *" python3-tarvo "* ]]; then
+  echo "== The Python module"
+  expect "^1\.0" /usr/bin/python3 -c "import tarvo; print(tarvo.version)"
+fi
+echo "packages.sh: ${#debs[@]} packages built, installed, used and removed"
