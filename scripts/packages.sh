@@ -102,6 +102,11 @@ consume() {  # consume PREFIX: builds the C host from PREFIX's .pc file, runs it
   expect "$warned" "$work/consumer" "$work/data-$RANDOM"
   # It runs the library of that prefix, not the packaged one.
   expect "$prefix/lib/libTarvoFramework.so.1" ldd "$work/consumer"
+  if [[ -d "$prefix/lib/python3/dist-packages/tarvo" ]]; then
+    expect "^$prefix/lib/python3/dist-packages/tarvo/__init__.py 1\.0" \
+      env PYTHONPATH="$prefix/lib/python3/dist-packages" /usr/bin/python3 -c \
+      "import tarvo; print(tarvo.__file__, tarvo.version)"
+  fi
   unset PKG_CONFIG_PATH
 }
 consume "$work/opt/tarvo"
