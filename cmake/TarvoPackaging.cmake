@@ -7,6 +7,17 @@
 #   python3-tarvo          the Python module (when built)
 # Each gets share/doc/<package>/ with the copyright file, README and LICENSE.
 #   cmake --build build --target package    (or: cd build && cpack)
+#
+# The packages take their layout from this tree's install directories, so
+# configure the tree that makes them with -DCMAKE_INSTALL_PREFIX=/usr: only
+# then does GNUInstallDirs choose Debian's multiarch lib/<triplet>
+# (scripts/packages.sh does so).
+if(CMAKE_LIBRARY_ARCHITECTURE AND
+   NOT CMAKE_INSTALL_LIBDIR STREQUAL "lib/${CMAKE_LIBRARY_ARCHITECTURE}")
+  message(STATUS "Debian packages from this tree would put the library in "
+    "/usr/${CMAKE_INSTALL_LIBDIR}, not /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}: "
+    "configure with -DCMAKE_INSTALL_PREFIX=/usr to make packages")
+endif()
 set(TARVO_DEB_LIB libtarvoframework${PROJECT_VERSION_MAJOR})
 set(TARVO_DEB_NAMES lib ${TARVO_DEB_LIB} dev libtarvoframework-dev
     tool tarvo python python3-tarvo)

@@ -20,8 +20,16 @@ sudo=""
 if [[ $(id -u) -ne 0 ]]; then sudo="sudo"; fi
 
 scripts/setup.sh --tests
+# Configured for /usr, so that GNUInstallDirs picks Debian's multiarch
+# library directory (lib/<triplet>); the packages install under /usr too.
 cmake -S . -B "$build_dir" -DCMAKE_BUILD_TYPE=Release -DTARVO_BUILD_TESTS=OFF \
-  -DTARVO_BUILD_BENCHMARKS=OFF -DTARVO_BUILD_EXAMPLES=OFF > /dev/null
+  -DTARVO_BUILD_BENCHMARKS=OFF -DTARVO_BUILD_EXAMPLES=OFF \
+  -DCMAKE_INSTALL_PREFIX=/usr > /dev/null
+libdir_rel=$(sed -n 's/^CMAKE_INSTALL_LIBDIR:[A-Z]*=//p' "$build_dir/CMakeCache.txt")
+multiarch=$(dpkg-architecture -qDEB_HOST_MULTIARCH 2>/dev/null || gcc -print-multiarch)
+[[ "$libdir_rel" == "lib/$multiarch" ]] || {
+  echo "packages.sh: library directory is '$libdir_rel', not lib/$multiarch" >&2
+  exit 1; }
 cmake --build "$build_dir" -j "$(nproc)" > /dev/null
 rm -f "$build_dir"/*.deb
 (cd "$build_dir" && cpack > /dev/null)
@@ -32,6 +40,11 @@ for deb in "${debs[@]}"; do
   echo "-- $(basename "$deb")"
   dpkg-deb --field "$deb" Package Version Depends
   dpkg-deb --contents "$deb"
+  if dpkg-deb --contents "$deb" | grep -qE '\./usr/lib/[^/]*\.so'; then
+    echo "packages.sh: $(basename "$deb") puts a library in /usr/lib, not" \
+      "/usr/lib/$multiarch" >&2
+    exit 1
+  fi
 done
 
 work=$(mktemp -d)
@@ -92,20 +105,28 @@ echo "== A pkg-config consumer after an install to a non-default prefix"
 cmake --install "$build_dir" --prefix "$work/opt/tarvo" > /dev/null
 consume() {  # consume PREFIX: builds the C host from PREFIX's .pc file, runs it
   local prefix=$1 libdir
-  export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+  export PKG_CONFIG_PATH=$prefix/$libdir_rel/pkgconfig
   libdir=$(pkg-config --variable=libdir TarvoFramework)
-  [[ "$(realpath "$libdir")" == "$(realpath "$prefix/lib")" ]] || {
-    echo "FAILED: the .pc file points to $libdir, not $prefix/lib" >&2; return 1; }
+  [[ "$(realpath "$libdir")" == "$(realpath "$prefix/$libdir_rel")" ]] || {
+    echo "FAILED: the .pc file points to $libdir, not $prefix/$libdir_rel" >&2
+    return 1; }
   read -r -a flags <<<"$(pkg-config --cflags --libs TarvoFramework)"
   cc -std=c99 examples/c-host/main.c "${flags[@]}" -Wl,-rpath,"$(realpath "$libdir")" \
     -o "$work/consumer"
   expect "$warned" "$work/consumer" "$work/data-$RANDOM"
   # It runs the library of that prefix, not the packaged one.
-  expect "$prefix/lib/libTarvoFramework.so.1" ldd "$work/consumer"
+  expect "$prefix/$libdir_rel/libTarvoFramework.so.1" ldd "$work/consumer"
   if [[ -d "$prefix/lib/python3/dist-packages/tarvo" ]]; then
     expect "^$prefix/lib/python3/dist-packages/tarvo/__init__.py 1\.0" \
       env PYTHONPATH="$prefix/lib/python3/dist-packages" /usr/bin/python3 -c \
       "import tarvo; print(tarvo.__file__, tarvo.version)"
+    # Its rpath leads to the library of that prefix, wherever libdir is.
+    local loaded
+    loaded=$(ldd "$prefix"/lib/python3/dist-packages/tarvo/_tarvo*.so |
+      awk '/libTarvoFramework/ {print $3}')
+    [[ "$(realpath "$loaded")" == "$(realpath "$prefix/$libdir_rel")"/* ]] || {
+      echo "FAILED: the Python module loads '$loaded'" >&2; return 1; }
+    echo "ok: the Python module loads $prefix/$libdir_rel/libTarvoFramework.so.1"
   fi
   unset PKG_CONFIG_PATH
 }
