@@ -26,12 +26,20 @@
 
 namespace tarvo {
 
-/// The next evaluation rebuilds the monitor's area index from its list.
+/// The next evaluation rebuilds the monitor's area index from its list, at
+/// a cost in proportion to all the vertices. Cheap in itself; does nothing
+/// on a monitor that has not evaluated yet (its first evaluation builds the
+/// index anyway). Never fails.
+/// @param monitor borrowed for the call.
 TARVO_EXPORT void polygonsEdited(Tarvo& monitor);
 
 /// With `on`, every evaluation compares the list, its records, their vertex
 /// arrays and every vertex with the copy taken when the index was built, and
-/// rebuilds on any difference: edits need no notice. Off by default.
+/// rebuilds on any difference: edits need no notice. Off by default; off
+/// again restores the ordinary checks. Takes effect at the next evaluation.
+/// Never fails.
+/// @param monitor borrowed for the call; the setting stays with it.
+/// @param on true: check in full on every evaluation.
 TARVO_EXPORT void setFullAreaCheck(Tarvo& monitor, bool on);
 
 }  // namespace tarvo

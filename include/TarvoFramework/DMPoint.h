@@ -22,6 +22,8 @@ class TARVO_EXPORT DMPoint {
  public:
   DMPoint() = default;
   /// A point at latitude and longitude, decimal degrees, as given.
+  /// @param latitude degrees, north positive; NaN and any range kept.
+  /// @param longitude degrees, east positive; NaN and any range kept.
   DMPoint(double latitude, double longitude)
       : latitude_(latitude), longitude_(longitude) {}
 
@@ -43,7 +45,10 @@ class TARVO_EXPORT DMPoint {
 };
 
 /// An ordered vertex ring. The ring is closed implicitly (the last vertex
-/// joins the first); the first vertex is not repeated at the end.
+/// joins the first); the first vertex is not repeated at the end (a repeated
+/// one adds a zero-length edge, which never counts). An empty ring contains
+/// nothing. Rings are shared by std::shared_ptr between the store's result,
+/// the area record and the monitor (DMPolygon).
 using DMPointArray = std::vector<DMPoint>;
 
 }  // namespace tarvo

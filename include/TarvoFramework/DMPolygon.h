@@ -34,25 +34,32 @@ using OptionalString = std::optional<std::string>;
 class TARVO_EXPORT DMPolygon {
  public:
   ///@{
-  /// The host's name of the area; decides its kind (see Tarvo).
+  /// The host's name of the area; decides its kind (see Tarvo): absent is
+  /// hold-short, empty is a hazard. Any text; copied in and out by value,
+  /// the getter returns a reference valid until the setter runs.
   const OptionalString& polygonName() const { return polygonName_; }
   void setPolygonName(OptionalString name) { polygonName_ = std::move(name); }
   ///@}
 
   ///@{
-  /// The host's own identifier of the area, passed to the delegate.
+  /// The host's own identifier of the area, passed to the delegate. Any
+  /// text; never used to look the record up in memory.
   const OptionalString& polygonGUID() const { return polygonGUID_; }
   void setPolygonGUID(OptionalString guid) { polygonGUID_ = std::move(guid); }
   ///@}
 
   ///@{
-  /// The store's row id of the area; -1 nowhere means a valid row.
+  /// The store's row id of the area (positive for a stored area; 0 for a
+  /// record the host made itself). The monitor never reads it; the
+  /// registry uses it to fetch the vertices. -1 nowhere means a valid row.
   std::int32_t polygonID() const { return polygonID_; }
   void setPolygonID(std::int32_t id) { polygonID_ = id; }
   ///@}
 
   ///@{
-  /// The vertices in stored order; null when never set.
+  /// The vertices in stored order; null when never set. Shared: the record
+  /// holds the list strongly, and an edit to it inside the monitor's list
+  /// must be reported (AreaEdits.h). A null or empty list matches nothing.
   const std::shared_ptr<DMPointArray>& polygonPoints() const {
     return polygonPoints_;
   }

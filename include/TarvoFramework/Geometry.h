@@ -17,7 +17,7 @@
 namespace tarvo {
 
 /// Six look-ahead positions: far = 4 s ahead, mid = 2 s ahead; left and right
-/// are 10 degrees either side of the heading.
+/// are 10 degrees either side of the heading. Degrees; a plain value.
 struct PredictedPositions {
   /// Far (4 s ahead) then mid (2 s ahead): left, middle, right.
   ///@{
@@ -34,7 +34,11 @@ struct PredictedPositions {
 /// position rounded to single precision); NaN is not replaced and gives NaN
 /// points. Every working value is single precision, so the points are
 /// quantised to about a metre; longitudes are not wrapped at +-180 and
-/// latitudes are not clamped. Thread-safe, no allocation.
+/// latitudes are not clamped. Thread-safe, no allocation, never fails.
+/// @param position the fix, degrees; NaN gives NaN points.
+/// @param heading degrees clockwise from true north, any value.
+/// @param speed km/h over ground, any value (see above).
+/// @return the six points, in degrees.
 TARVO_EXPORT PredictedPositions
 predictPositions(CLLocationCoordinate2D position, double heading, double speed);
 
@@ -48,7 +52,14 @@ predictPositions(CLLocationCoordinate2D position, double heading, double speed);
 /// a vertex on the point's meridian counts as "at or above" as an edge's
 /// first end and "not above" as its second, so a point straight below a
 /// vertex may be misjudged. The point is single precision, widened exactly;
-/// the vertices and all arithmetic are double. Thread-safe, no allocation.
+/// the vertices and all arithmetic are double. A NaN latitude or longitude
+/// of the point gives false. Thread-safe, no allocation, never fails.
+/// @param vertices the ring, borrowed for the call; may be null when
+///        count <= 0.
+/// @param count number of vertices at `vertices`.
+/// @param latitude the point's latitude, degrees.
+/// @param longitude the point's longitude, degrees.
+/// @return true when the point is inside by the rules above.
 TARVO_EXPORT bool pointInPolygon(const DMPoint* vertices, std::int32_t count,
                                  float latitude, float longitude);
 

@@ -15,16 +15,23 @@
 
 namespace tarvo {
 
-/// Receives one log message, without a trailing newline.
+/// Receives one log message, without a trailing newline. The reference is
+/// valid during the call only.
 using LogSink = std::function<void(const std::string& message)>;
 
 /// Replaces the process-wide sink; an empty function restores the default,
 /// which writes the message and a newline to standard error. The sink is
 /// called on whatever thread logs, while the library holds a lock, so it
-/// must not log itself. Returns the sink that was installed before.
+/// must not log itself (that deadlocks) and must not throw (the exception
+/// passes out of the store call that logged). Calls from several threads
+/// are serialised by that lock. Thread-safe.
+/// @param sink taken over and held until replaced.
+/// @return the sink that was installed before (empty for the default).
 TARVO_EXPORT LogSink setLogSink(LogSink sink);
 
-/// Sends one message to the current sink.
+/// Sends one message to the current sink, or to standard error, on the
+/// calling thread. Thread-safe; never fails by itself.
+/// @param message one line of text, passed on unchanged.
 TARVO_EXPORT void logMessage(const std::string& message);
 
 }  // namespace tarvo

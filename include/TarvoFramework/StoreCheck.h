@@ -69,7 +69,9 @@ struct TARVO_EXPORT StoreCheckReport {
     return status == Status::kHealthy || status == Status::kMissing;
   }
   /// The report in words, one line per problem (at most `perKind` lines per
-  /// kind of finding, then a count of the rest). Empty when healthy.
+  /// kind of finding, then a count of the rest). Empty when trusted
+  /// (healthy or missing). English text for people, not for parsing.
+  /// @param perKind the most lines per kind; 0 shows only the counts.
   std::vector<std::string> describe(std::size_t perKind = 5) const;
 };
 
@@ -87,9 +89,16 @@ struct TARVO_EXPORT StoreCheckReport {
 /// wrong-shaped areas, without any other sign.
 ///
 /// Threading: call it from the thread that uses the store.
+/// @param busyTimeoutMs how long to wait for another connection's lock, in
+///        milliseconds; 0 or less does not wait (a lock then fails at
+///        once with SQLITE_BUSY).
+/// @return a report owned by the caller.
 TARVO_EXPORT StoreCheckReport checkStore(int busyTimeoutMs = 2000);
 
-/// The same for a store file at another path.
+/// The same for a store file at another path; nothing in the library needs
+/// to be set up first. A directory at that path is kUnreadable.
+/// @param path the database file, copied into the report.
+/// @param busyTimeoutMs as for checkStore().
 TARVO_EXPORT StoreCheckReport checkStoreFile(const std::string& path,
                                              int busyTimeoutMs = 2000);
 

@@ -36,7 +36,10 @@ namespace tarvo {
 ///
 /// The reason is one English sentence fragment, such as
 /// "contains a double quote", for messages like "GUID 'x' contains ...".
-/// Thread-safety: pure; safe from any thread.
+/// Thread-safety: pure; safe from any thread. Never throws except
+/// std::bad_alloc while building the reason; touches no store.
+/// @param text the candidate, borrowed for the call; any bytes.
+/// @return the reason, owned by the caller; nullopt when storable.
 TARVO_EXPORT std::optional<std::string> storeTextProblem(std::string_view text);
 
 }  // namespace tarvo

@@ -11,7 +11,8 @@
 namespace tarvo {
 
 /// A failure of the store: SQLite's primary result code (SQLITE_FULL is 13,
-/// SQLITE_BUSY 5, and so on; 0 when SQLite gave none) and its message.
+/// SQLITE_BUSY 5, and so on; 0 when SQLite gave none) and its message. A
+/// plain value.
 struct StoreError {
   int sqliteCode = 0;   ///< SQLite's primary result code; 0: none
   std::string message;  ///< SQLite's message; empty: no failure
@@ -37,7 +38,8 @@ struct StoreError {
 /// one, and only the outermost writes to the file.
 ///
 /// Threading: create, use and destroy it on the thread that uses the store.
-/// Not copyable or movable.
+/// Not copyable or movable. Batches must end in the reverse order of their
+/// creation (scoped objects do). Nothing throws but std::bad_alloc.
 class TARVO_EXPORT StoreWriteBatch {
  public:
   /// Begins the batch, opening the store if it is not open yet. When the
@@ -57,7 +59,8 @@ class TARVO_EXPORT StoreWriteBatch {
   /// commits once; later calls return the first answer.
   bool commit();
 
-  /// Why the batch failed; empty message while nothing failed.
+  /// Why the batch failed; empty message while nothing failed. The first
+  /// failure is kept. A copy owned by the caller.
   StoreError error() const;
 
  private:

@@ -52,19 +52,31 @@ class ZoneIndex;
 /// itself; a host that edits the list or its areas in place reports it with
 /// polygonsEdited() (AreaEdits.h).
 ///
-/// Failures: nothing throws. A missing sound file leaves the monitor silent
-/// but still notifying; an unavailable store gives an empty area list.
+/// Failures: nothing throws, except that an exception thrown by a host's
+/// delegate, sound player or main-queue executor passes through the call
+/// that invoked it, with the fix half processed. A missing sound file leaves
+/// the monitor silent but still notifying; an unavailable store gives an
+/// empty area list. The monitor itself logs nothing; the store it writes to
+/// logs its inserts and their failures (Log.h).
+///
+/// Units everywhere: latitudes and longitudes in decimal degrees (north and
+/// east positive), speeds in km/h, headings in degrees clockwise from true
+/// north. The monitor validates, clamps and wraps none of them.
 class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
  public:
   /// The process-wide monitor, made on the first call (not initialised: call
   /// initializes()). Never null; the same object on every call. Not safe
   /// against two threads making the first call at once.
+  /// @return a reference to the process's own shared pointer, valid until the
+  ///         process ends; copy it to share ownership.
   static const std::shared_ptr<Tarvo>& sharedManager();
 
   /// A fresh monitor: every coordinate (0, 0), every number 0, every flag
   /// false and every object absent. Hosts normally use sharedManager(); a
   /// separate instance must be owned by a std::shared_ptr, so that queued
-  /// sound tasks can keep it alive.
+  /// sound tasks can keep it alive (one that is not must outlive them). It
+  /// shares the store, the main queue, the log and the player factory with
+  /// every other monitor: those are process-wide.
   Tarvo();
   ~Tarvo();
   Tarvo(const Tarvo&) = delete;
@@ -73,15 +85,21 @@ class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
   /// Loads the stored areas (getPolygons), then makes the caution-sound player
   /// from "<resource directory>/localcaution.mp3" with the current player
   /// factory and sets its loop count to 0. A missing or undecodable file
-  /// leaves currentaudioPlayer() null, silently. Calling it again reloads the
-  /// areas and replaces the player. Touches nothing else.
+  /// leaves currentaudioPlayer() null, silently; so does a factory that
+  /// throws. Calling it again reloads the areas and replaces the player.
+  /// Touches nothing else. Call it on the monitor's thread; it blocks for
+  /// the store's reads and the sound file's decoding.
   void initializes();
 
   /// --- Registry: areas in the store -------------------------------------
 
   /// Replaces polygons() with a new list of every stored area, in store order,
   /// each with its vertices in the order they were given. An unavailable store
-  /// gives an empty list. The only call that changes polygons().
+  /// gives an empty list. The only call of the registry that changes
+  /// polygons(). The monitor holds the new list strongly; a list or record
+  /// handed out earlier stays valid for whoever still holds it. Reads in one
+  /// transaction, so another process writing meanwhile is seen whole or not
+  /// at all; logs nothing.
   void getPolygons();
 
   /// Stores an area. points: "lon,lat lon,lat ..." with single blanks between
@@ -97,16 +115,28 @@ class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
   /// names and GUIDs for which storeTextProblem() (StoreText.h) gives a
   /// reason before calling: the store's SQL misreads them.
   /// The change reaches the monitoring only after getPolygons().
+  /// The store logs the SQL text of every insert (one line for the area, one
+  /// per vertex) and each insert's failure.
+  /// @param points the vertices as text, read during the call and not kept;
+  ///        an empty text stores an area with no vertex.
+  /// @param forPolygonGUID the host's identifier, compared byte for byte.
+  /// @param PolygonName stored as given; decides the area's kind once loaded.
+  /// @param isforceReplace true: replace an area stored under the GUID.
+  /// @return false when the GUID is stored (nothing written); true otherwise.
   bool addPolygons(const std::string& points, const std::string& forPolygonGUID,
                    const std::string& PolygonName, bool isforceReplace);
 
   /// Deletes the area stored under the GUID (an unknown GUID succeeds), its
   /// vertices and its row in one transaction. Returns false when the store
-  /// failed. Takes effect after getPolygons(). A GUID that names a store
-  /// column (storeTextProblem()) matches every area.
+  /// failed (not open, or a delete failed; nothing is logged). Takes effect
+  /// after getPolygons(). A GUID that names a store column
+  /// (storeTextProblem()) matches every area.
+  /// @param guid the area's identifier, read during the call; when several
+  ///        areas share it, only the one with the highest id is deleted.
   bool removePolygon(const std::string& guid);
 
-  /// Deletes every area. Returns false when the store failed. Takes effect
+  /// Deletes every area, in one transaction. Returns false when the store
+  /// failed (not open, or a delete failed; nothing is logged). Takes effect
   /// after getPolygons().
   bool removeAllPolygons();
 
@@ -117,25 +147,45 @@ class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
   /// converted; NaN and out-of-range values are used as given. Records the
   /// fix, projects the six look-ahead points, evaluates the areas, notifies
   /// the delegate and queues the sound tasks, then sets isProcessing() false.
+  /// One delegate notice per fix (to a live delegate), delivered before it
+  /// returns.
+  /// Call it on the monitor's thread only, and not from a delegate notice.
+  /// @param latitude degrees, north positive; NaN lies in no area.
+  /// @param Longitude degrees, east positive; NaN lies in no area; not
+  ///        wrapped at +-180.
+  /// @param Speed km/h; at or below zero (also -infinity) the look-ahead
+  ///        points stay on the fix; NaN makes them NaN, so only the fix
+  ///        itself can match an area.
+  /// @param Heading degrees clockwise from true north, used as given, not
+  ///        normalised (see predictPositions() in Geometry.h); NaN makes the
+  ///        look-ahead points NaN.
   void checkPointinPolygonLatitude(double latitude, double Longitude,
                                    double Speed, double Heading);
 
   /// The per-fix work: projects the six points into the coordinate members
   /// below, then runs the alert cycle (evaluate, notify, start or stop the
   /// sound, evaluate once more). Note the argument order: heading, then speed.
+  /// It does not record the fix: currentLocation(), speed() and heading()
+  /// keep what they were, and the evaluation tests currentLocation().
+  /// @param coordinate where the look-ahead starts, degrees.
+  /// @param Heading degrees clockwise from true north, as given.
+  /// @param Speed km/h, as in predictPositions() (Geometry.h).
   void getPredictedPoints(CLLocationCoordinate2D coordinate, double Heading,
                           double Speed);
 
   /// Sends the occurrence notice (currentPolygonName, currentPolygonGuid,
-  /// onRunway) to a live delegate.
+  /// onRunway) to a live delegate, synchronously; without one it does
+  /// nothing.
   void showchatlabel();
 
   /// Sends the removal notice (lastPolygonName, currentPolygonGuid) to a live
-  /// delegate, then stops the player.
+  /// delegate, synchronously, then stops the player (when there is one) on
+  /// the calling thread.
   void hidegpsChatLabel();
 
   /// Sets isHazardArea(): false when the name is absent or contains
   /// "HOLD SHORT" (case-sensitive), true otherwise. Returns the new value.
+  /// @param name an area's name, read during the call; empty is a hazard.
   bool checkISHazardforName(const OptionalString& name);
 
   /// Tests the current and the six predicted positions against every area in
@@ -143,15 +193,24 @@ class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
   /// currentPolygonGuid, isHazardArea, onRunway). Returns true when something
   /// was found. The first hazard match among the current position and the
   /// first five predicted points ends the scan; a match of the far right
-  /// point does not. The list must not change while this runs.
+  /// point does not. The list must not change while this runs. Reads the
+  /// seven positions from currentLocation() and the six coordinate members;
+  /// notifies nobody and queues nothing. A null list, a null record and a
+  /// record without vertices match nothing.
   bool processPointInPolygon();
 
   /// Whether the point lies in the ring (see pointInPolygon in Geometry.h). A
-  /// null or empty ring gives false.
+  /// null or empty ring gives false. Reads nothing of the monitor's state.
+  /// @param points the ring, borrowed for the call.
+  /// @param Latitude degrees, single precision; NaN gives false.
+  /// @param Longitude degrees, single precision; NaN gives false.
   bool checkPointInPolygon(const std::shared_ptr<DMPointArray>& points,
                            float Latitude, float Longitude) const;
 
   /// --- Properties: plain accessors, no validation, no side effects ----------
+  /// Getters return references to the monitor's own members, valid until
+  /// the matching setter runs; setters take their argument by value and
+  /// hold objects strongly (the delegate excepted). Monitor thread only.
 
   ///@{
   /// The host's location source; the monitor never uses it.

@@ -15,15 +15,24 @@ namespace tarvo {
 /// it, and once it is destroyed the monitor notifies nobody.
 ///
 /// Both notices are called synchronously on the thread that handed in the fix
-/// (Tarvo::checkPointinPolygonLatitude), never moved to the main thread. They
-/// must not hand in a fix themselves.
+/// (Tarvo::checkPointinPolygonLatitude), never moved to the main thread, while
+/// the monitor is in the middle of the fix. They must not hand in a fix
+/// themselves, and they should return quickly: the fix waits for them. They
+/// may read the monitor's properties. They must not throw: an exception
+/// passes out of checkPointinPolygonLatitude() and leaves the fix half
+/// processed (the sound tasks not queued, isProcessing() not cleared).
+///
+/// The strings passed to a notice are references to the monitor's own
+/// members: valid during the call only; copy them to keep them.
 class TARVO_EXPORT TarvoDelegate {
  public:
   virtual ~TarvoDelegate();
 
   /// Sent on every fix on which an area is occupied, by the aircraft or one of
   /// its predicted positions: the area's name and identifier, and whether the
-  /// aircraft itself stands in that (hazard) area.
+  /// aircraft itself stands in that (hazard) area. The name and identifier
+  /// are the matched record's (DMPolygon), absent when the record's are;
+  /// isTargetOnRunway is false for a hold-short area.
   virtual void RunwayIncrusionOccurredAtRunway(
       const OptionalString& /*runwayName*/, const OptionalString& /*RunwayID*/,
       bool /*isTargetOnRunway*/) {}

@@ -10,11 +10,13 @@
 
 extern "C" {
 
-/// The library's version as a number: exactly 1.0.
+/// The library's version as a number: exactly 1.0. Constant; readable from
+/// any thread.
 TARVO_EXPORT extern const double TarvoFrameworkVersionNumber;
 
 /// "@(#)PROGRAM:TarvoFramework  PROJECT:TarvoFramework-1" followed by one
 /// newline and the terminating NUL (two blanks stand before "PROJECT").
+/// Constant, owned by the library; readable from any thread.
 TARVO_EXPORT extern const unsigned char TarvoFrameworkVersionString[];
 
 }  // extern "C"
