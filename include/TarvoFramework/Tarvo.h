@@ -128,16 +128,20 @@ class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
 
   /// Deletes the area stored under the GUID (an unknown GUID succeeds), its
   /// vertices and its row in one transaction. Returns false when the store
-  /// failed (not open, or a delete failed; nothing is logged). Takes effect
-  /// after getPolygons(). A GUID that names a store column
+  /// failed (not open, or a delete failed; not logged). A failure
+  /// to commit at the end (full disk, lock) is logged and undoes the call
+  /// even when it returned true: group it in a StoreWriteBatch to know.
+  /// Takes effect after getPolygons(). A GUID that names a store column
   /// (storeTextProblem()) matches every area.
   /// @param guid the area's identifier, read during the call; when several
   ///        areas share it, only the one with the highest id is deleted.
   bool removePolygon(const std::string& guid);
 
   /// Deletes every area, in one transaction. Returns false when the store
-  /// failed (not open, or a delete failed; nothing is logged). Takes effect
-  /// after getPolygons().
+  /// failed (not open, or a delete failed; not logged). A failure
+  /// to commit at the end (full disk, lock) is logged and undoes the call
+  /// even when it returned true: group it in a StoreWriteBatch to know.
+  /// Takes effect after getPolygons().
   bool removeAllPolygons();
 
   /// --- Monitoring ----------------------------------------------------------
