@@ -9,10 +9,12 @@ set -euo pipefail
 
 packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev libboost-dev
           nlohmann-json3-dev libpugixml-dev libgps-dev
-          libespeak-ng-dev espeak-ng-data libjs-leaflet libgdal-dev)
+          libespeak-ng-dev espeak-ng-data libjs-leaflet libgdal-dev
+          help2man pybind11-dev python3-dev)
 case "${1:-}" in
   --tests) packages+=(libgtest-dev libgmock-dev libbenchmark-dev sqlite3 sox lame
-                      chromium clang gpsd gpsd-clients gdal-bin python3 jq) ;;
+                      chromium clang gpsd gpsd-clients gdal-bin python3 jq
+                      doxygen dpkg-dev python3-pytest python3-pandas) ;;
   --fuzz) packages+=(clang libclang-rt-dev) ;;
   --cross)
     gcc_major=$(g++ -dumpversion 2>/dev/null | cut -d. -f1)

@@ -1,4 +1,5 @@
-// Umbrella header: everything a host needs.
+/// @file
+/// Umbrella header: everything a host needs.
 #ifndef TARVOFRAMEWORK_TARVOFRAMEWORK_H_
 #define TARVOFRAMEWORK_TARVOFRAMEWORK_H_
 

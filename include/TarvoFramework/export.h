@@ -1,7 +1,8 @@
-// Symbol visibility for the TarvoFramework shared library.
-//
-// The library is built with hidden visibility; only what is marked with
-// TARVO_EXPORT is part of its binary interface.
+/// @file
+/// Symbol visibility for the TarvoFramework shared library.
+///
+/// The library is built with hidden visibility; only what is marked with
+/// TARVO_EXPORT is part of its binary interface.
 #ifndef TARVOFRAMEWORK_EXPORT_H_
 #define TARVOFRAMEWORK_EXPORT_H_
 
