@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -15,6 +16,7 @@
 #include "Commands.h"
 #include "StoreGate.h"
 #include "areas/AirportAreas.h"
+#include "areas/AirportContextFile.h"
 #include "areas/AreaFormats.h"
 #include "areas/AreaReader.h"
 #include "areas/AreaWriter.h"
@@ -71,14 +73,16 @@ void reportSkipped(const std::string& path, const AreaFile& file) {
 }
 
 // The areas of an airport derived from SOURCE (--airport), checked as a
-// file's areas are. What was left out is said on standard error.
+// file's areas are. What was left out is said on standard error. The
+// airport's context (taxiways, aprons, ...) goes to `source`.
 std::vector<AreaRecord> derivedAreas(const std::string& path,
-                                     const ParsedArgs& args) {
+                                     const ParsedArgs& args,
+                                     AirportSource& source) {
   std::string icao = *args.value("airport");
   for (char& c : icao) c = static_cast<char>(std::toupper(c));
   AirportReadOptions options;
   options.includeClosed = args.has("include-closed");
-  const AirportSource source = readAirportSource(path, icao, options);
+  source = readAirportSource(path, icao, options);
   std::vector<std::string> notes = source.notes;
   std::vector<AreaRecord> areas = deriveAirportAreas(source, notes);
   for (const std::string& note : notes) {
@@ -194,6 +198,47 @@ void requireStorableGuid(const std::string& command, const std::string& guid) {
   }
 }
 
+// The derived airport's taxiways, aprons and buildings go beside the store
+// for the replay report; a re-import overwrites them.
+int writeContext(const AirportSource& airport) {
+  if (airport.context.empty()) return 0;
+  const std::string dir =
+      std::filesystem::path(DBManager::getSharedInstance()->databasePath)
+          .parent_path()
+          .string();
+  const std::string file = contextPath(dir, airport.icao);
+  try {
+    writeAirportContext(file, airport.context);
+  } catch (const std::runtime_error& e) {
+    std::cerr << "tarvo import: the areas are imported, but the map context "
+                 "of "
+              << airport.icao << " (" << contextCounts(airport.context)
+              << ") was not written: " << e.what() << "\n";
+    return 1;
+  }
+  std::cerr << "tarvo import: wrote " << contextCounts(airport.context)
+            << " to " << file << " (drawn by replay --report)\n";
+  return 0;
+}
+
+// Context files beside the store go with its areas. False when one stays.
+bool removeContextFiles(const std::string& databasePath) {
+  bool ok = true;
+  const std::string dir =
+      std::filesystem::path(databasePath).parent_path().string();
+  for (const std::string& file : contextFilesIn(dir)) {
+    std::error_code error;
+    if (std::filesystem::remove(file, error)) {
+      std::cout << "Removed " << file << "\n";
+    } else {
+      std::cerr << "tarvo clear: cannot remove " << file << ": "
+                << error.message() << "\n";
+      ok = false;
+    }
+  }
+  return ok;
+}
+
 }  // namespace
 
 int runImport(const ParsedArgs& args) {
@@ -213,8 +258,9 @@ int runImport(const ParsedArgs& args) {
     }
   }
   std::vector<AreaRecord> areas;
+  AirportSource airport;
   if (args.value("airport")) {
-    areas = derivedAreas(path, args);
+    areas = derivedAreas(path, args, airport);
   } else {
     AreaFile file = readAreaFile(path, areaOptions(args));
     reportSkipped(path, file);
@@ -241,7 +287,7 @@ int runImport(const ParsedArgs& args) {
     std::cout << " (--replace overwrites them)";
   }
   std::cout << "\n";
-  return 0;
+  return writeContext(airport);
 }
 
 int runList(const ParsedArgs& args) {
@@ -360,7 +406,7 @@ int runClear(const ParsedArgs& args) {
   if (report.status == StoreCheckReport::Status::kMissing) {
     std::cout << "Removed 0 areas (there is no store at " << report.path
               << ")\n";
-    return 0;
+    return removeContextFiles(report.path) ? 0 : 1;
   }
   StoreLog log(false);
   const auto& store = DBManager::getSharedInstance();
@@ -372,7 +418,7 @@ int runClear(const ParsedArgs& args) {
   }
   std::cout << "Removed " << plural(count, "area") << " from "
             << store->databasePath << "\n";
-  return 0;
+  return removeContextFiles(store->databasePath) ? 0 : 1;
 }
 
 }  // namespace tarvo::cli

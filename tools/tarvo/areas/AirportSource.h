@@ -37,6 +37,18 @@ struct Taxiway {
   double widthM = 0.0;
 };
 
+// What a map shows around the areas: a taxiway's centre line, an apron, a
+// building, a paved surface, a painted taxi line. Never an area of the
+// monitor (any area it holds is a hazard unless named a hold-short one).
+struct ContextFeature {
+  std::string kind;  // "taxiway", "apron", "building", "pavement", "taxi line"
+  std::string name;  // a taxiway's ref, a surface's or building's name, or ""
+  double widthM = 0.0;  // of a taxiway line; 0 when the source has none
+  bool polygon = false;
+  // A polygon: its outer ring, then its holes, each closed; a line: one.
+  std::vector<std::vector<LatLon>> rings;
+};
+
 struct AirportSource {
   std::string icao;
   std::string path;
@@ -44,6 +56,7 @@ struct AirportSource {
   std::vector<HoldLine> holdLines;
   std::vector<HoldPosition> holdPositions;
   std::vector<Taxiway> taxiways;
+  std::vector<ContextFeature> context;  // none from OurAirports
   // Said on standard error: what was left out and why.
   std::vector<std::string> notes;
 };

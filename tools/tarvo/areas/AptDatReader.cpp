@@ -1,9 +1,11 @@
 // An airport of an X-Plane/FlightGear apt.dat: row 100 runways and the
-// runway-hold lines among the painted lines (rows 120, 111-116).
+// runway-hold lines among the painted lines (rows 120, 111-116), and for the
+// map the paved surfaces (row 110) and the painted lines themselves.
 #include <fstream>
 #include <sstream>
 
 #include "areas/AirportSource.h"
+#include "areas/AptDatPavement.h"
 #include "readers/ReaderText.h"
 #include "readers/Records.h"
 
@@ -131,8 +133,9 @@ AirportSource readAptDat(const std::string& path, const std::string& icao,
                          const AirportReadOptions&) {
   std::ifstream in(path);
   if (!in) throw InputFailure({path, 0, "", "cannot open the file"});
-  AirportSource source{icao, path, {}, {}, {}, {}, {}};
+  AirportSource source{icao, path, {}, {}, {}, {}, {}, {}};
   HoldLineCollector holds(path, source.holdLines);
+  AptDatPavement pavement(source.context);
   std::vector<std::string> seen;
   bool inside = false, found = false;
   int lineNumber = 0;
@@ -141,6 +144,7 @@ AirportSource readAptDat(const std::string& path, const std::string& icao,
     const std::vector<std::string> w = words(line);
     if (w.empty()) continue;
     if (isAirportHeader(w[0])) {
+      pavement.end();
       inside = w.size() > 4 && w[4] == icao;
       found = found || inside;
       if (w.size() > 4 && seen.size() < 10) seen.push_back(w[4]);
@@ -148,14 +152,23 @@ AirportSource readAptDat(const std::string& path, const std::string& icao,
     }
     if (w[0] == "99") break;
     if (!inside) continue;
+    const bool isNode = w[0].size() == 3 && w[0] >= "111" && w[0] <= "116";
     if (w[0] == "100") {
       source.runways.push_back(runway(w, path, lineNumber));
+    } else if (w[0] == "110") {
+      pavement.startSurface(w);
     } else if (w[0] == "120") {
       holds.start();
-    } else if (w[0].size() == 3 && w[0] >= "111" && w[0] <= "116") {
+      pavement.startLine(w);
+    } else if (isNode) {
       holds.node(w, lineNumber);
+      pavement.node(std::stoi(w[0]),
+                    {number(w, 1, path, lineNumber, "latitude"),
+                     number(w, 2, path, lineNumber, "longitude")});
     }
+    if (!isNode && w[0] != "110" && w[0] != "120") pavement.end();
   }
+  pavement.end();
   if (!found) {
     std::string list;
     for (const std::string& s : seen) list += (list.empty() ? "" : ", ") + s;

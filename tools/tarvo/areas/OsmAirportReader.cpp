@@ -1,6 +1,7 @@
 // An airport of an OpenStreetMap extract (.osm XML or .osm.pbf, read through
 // GDAL's OSM driver): its aerodrome, runway and taxiway ways and runway
-// holding-position nodes.
+// holding-position nodes, and for the map its taxiways, aprons and
+// buildings.
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
@@ -13,6 +14,7 @@
 
 #include "areas/AirportSource.h"
 #include "areas/GdalErrorTrap.h"
+#include "areas/OsmContext.h"
 #include "readers/ReaderText.h"
 #include "readers/Records.h"
 
@@ -115,6 +117,7 @@ struct Extract {
   std::vector<RunwayWay> closed;
   std::vector<Taxiway> taxiways;
   std::vector<HoldPosition> holds;
+  std::vector<ContextFeature> context;
 };
 
 Extract readExtract(const std::string& path, const std::string& icao) {
@@ -141,6 +144,7 @@ Extract readExtract(const std::string& path, const std::string& icao) {
     const Tags tags = tagsOf(*feature);
     const std::string aeroway = tag(tags, "aeroway");
     const OGRGeometry* g = feature->GetGeometryRef();
+    collectOsmContext(tags, g, x.context);
     if (aeroway == "aerodrome" && tag(tags, "icao") == icao && g != nullptr) {
       OGREnvelope box;
       g->getEnvelope(&box);
@@ -156,7 +160,8 @@ Extract readExtract(const std::string& path, const std::string& icao) {
       std::vector<LatLon> nodes = lineNodes(g);
       if (nodes.size() >= 2) {
         x.taxiways.push_back(
-            {std::move(nodes), metres(tag(tags, "width")).value_or(23.0)});
+            {std::move(nodes),
+             metres(tag(tags, "width")).value_or(kDefaultTaxiwayWidthM)});
       }
     } else if (aeroway == "holding_position" &&
                tag(tags, "holding_position:type") == "runway" && g != nullptr &&
@@ -272,7 +277,7 @@ AirportSource readOsmAirport(const std::string& path, const std::string& icao,
                             " in the extract (aeroway=aerodrome)"});
   }
   const Near near(x.aerodrome);
-  AirportSource source{icao, path, {}, {}, {}, {}, {}};
+  AirportSource source{icao, path, {}, {}, {}, {}, {}, {}};
   std::vector<RunwayWay> ways = std::move(x.runways);
   if (options.includeClosed) {
     ways.insert(ways.end(), x.closed.begin(), x.closed.end());
@@ -296,6 +301,9 @@ AirportSource readOsmAirport(const std::string& path, const std::string& icao,
   }
   for (HoldPosition& h : x.holds) {
     if (near(h.at)) source.holdPositions.push_back(std::move(h));
+  }
+  for (ContextFeature& c : x.context) {
+    if (near.any(c.rings.front())) source.context.push_back(std::move(c));
   }
   return source;
 }

@@ -53,7 +53,7 @@ AirportSource readOurAirports(const std::string& path, const std::string& icao,
                           "runways.csv?)"});
     }
   }
-  AirportSource source{icao, path, {}, {}, {}, {}, {}};
+  AirportSource source{icao, path, {}, {}, {}, {}, {}, {}};
   source.notes.push_back(
       "OurAirports' runways.csv has no hold-short "
       "positions: only runway areas are derived");
