@@ -157,7 +157,13 @@ Options:
                          sound event, then one summary object
   --realtime [FACTOR]    pace the fixes by their times (FACTOR 2: twice as
                          fast) and play the caution sound
-  --report FILE.html     also write a self-contained HTML map of the replay
+  --report FILE.html     also write a self-contained HTML map of the replay;
+                         it draws every *.context.geojson beside the store
+                         (taxiways, aprons, buildings, paved surfaces that
+                         import --airport wrote) under the areas
+  --context FILE         with --report: draw FILE instead (any vector file
+                         GDAL reads; the attributes kind, name or ref, and
+                         width in metres are used)
   --quiet                print the summary only
   --help                 show this text
 
@@ -262,6 +268,7 @@ const std::vector<CommandSpec>& commandTable() {
         {"json", OptionValue::None},
         {"realtime", OptionValue::Optional},
         {"report", OptionValue::Required},
+        {"context", OptionValue::Required},
         {"quiet", OptionValue::None}},
        kReplayHelp},
       {"watch",

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdint>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -22,6 +23,7 @@
 #include "IncursionSummary.h"
 #include "ReplayRecorder.h"
 #include "StoreGate.h"
+#include "areas/AirportContextFile.h"
 #include "output/HtmlReport.h"
 #include "readers/TrackReader.h"
 #include "session/FixSession.h"
@@ -289,8 +291,22 @@ void writeReport(const ParsedArgs& args, const FixSession& session,
   if (!report) return;
   const ReplaySummary summary =
       summarize(session.trace(), skipped, session.flights());
-  ReportInput input{args.positional.front(), session.areas(), &session.trace(),
-                    &summary, replayFacts(args, store)};
+  ReportInput input{args.positional.front(),  session.areas(),
+                    &session.trace(),         &summary,
+                    replayFacts(args, store), {}};
+  // The map context: the file named, else every one beside the store.
+  if (auto file = args.value("context")) {
+    input.contextFiles = {*file};
+  } else {
+    input.contextFiles =
+        contextFilesIn(std::filesystem::path(store).parent_path().string());
+  }
+  std::string files;
+  for (const std::string& f : input.contextFiles) {
+    files += (files.empty() ? "" : ", ") + f;
+  }
+  input.facts.insert(input.facts.end() - 2,
+                     {"map context", files.empty() ? "none" : files});
   writeHtmlReport(*report, input);
   (args.has("json") ? std::cerr : std::cout)
       << "Report written to " << *report << "\n";
@@ -346,6 +362,17 @@ int replayStream(const ParsedArgs& args, bool realSound) {
 }  // namespace
 
 int runReplay(const ParsedArgs& args) {
+  if (auto context = args.value("context")) {
+    if (!args.has("report")) {
+      throw UsageError("replay",
+                       "--context is drawn on the --report map; it "
+                       "needs --report");
+    }
+    // Checked now rather than after a long replay.
+    if (!std::filesystem::is_regular_file(*context)) {
+      throw InputFailure({*context, 0, "", "no such file (--context)"});
+    }
+  }
   if (isStreamPath(args.positional.front())) {
     return replayStream(args, args.has("realtime"));
   }

@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "output/HtmlReportPage.h"
+#include "output/ReportContext.h"
 
 namespace tarvo::cli {
 namespace {
@@ -271,6 +272,7 @@ json pageData(const ReportInput& in) {
   for (const auto& [label, value] : in.facts) facts.push_back({label, value});
   return {{"facts", facts},
           {"areas", areasJson(in)},
+          {"context", readReportContext(in.contextFiles)},
           {"flights", flights},
           {"fixes", eventFixes},
           {"maxDrawn", kMaxDrawnFixesPerFlight}};

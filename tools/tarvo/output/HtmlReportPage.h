@@ -28,6 +28,8 @@ h3 { font-size: 15px; margin: 12px 0 4px; }
 .leaflet-tooltip.label.hold { color: #840; font-size: 10px; }
 .leaflet-tooltip.label.other { color: #445; font-size: 10px; }
 .leaflet-tooltip.label.part { color: #800; font-size: 10px; font-weight: 400; }
+.leaflet-tooltip.label.twy { color: #333; font-size: 10px; background: rgba(255,255,255,0.65); }
+.zoom-mid .leaflet-tooltip.label.twy, .zoom-far .leaflet-tooltip.label.twy { display: none; }
 .zoom-far .leaflet-tooltip.label.hold, .zoom-far .leaflet-tooltip.label.other, .zoom-far .leaflet-tooltip.label.part { display: none; }
 .arrow { color: #124; font-size: 13px; line-height: 13px; text-align: center; }
 .endmark { background: #000; border: 2px solid #fff; }
@@ -56,6 +58,9 @@ inline constexpr char kPageBody[] = R"html(<nav id="flights"></nav>
 <span><i style="background: rgba(200,30,30,0.45); border: 1px solid #900"></i>runway (hazard)</span>
 <span><i style="background: rgba(240,160,0,0.6); border: 1px solid #b70"></i>hold-short</span>
 <span><i style="background: rgba(120,120,140,0.35); border: 1px solid #667"></i>other area</span>
+<span><i style="background: #d2d2d2; border: 1px solid #aaa"></i>apron, pavement</span>
+<span><i style="background: #b0b0b0; border: 1px solid #888"></i>building</span>
+<span><i style="background: #9a9a9a; height: 5px; vertical-align: 3px"></i>taxiway (its width)</span>
 <span><i style="background: #2a7; height: 3px; vertical-align: 4px"></i>path, no area</span>
 <span><i style="background: #e80; height: 3px; vertical-align: 4px"></i>look-ahead in an area</span>
 <span><i style="background: #c00; height: 3px; vertical-align: 4px"></i>aircraft in the area</span>
@@ -70,7 +75,7 @@ inline constexpr char kPageScript[] = R"js(<script>
 (function () {
   'use strict';
   var D = JSON.parse(document.getElementById('tarvo-data').textContent);
-  var S = { map: false, areas: 0, labels: 0, scale: false, north: false, timeline: false,
+  var S = { map: false, areas: 0, labels: 0, context: { lines: 0, polygons: 0, labels: 0, kinds: {} }, scale: false, north: false, timeline: false,
             events: 0, flights: D.flights.length, drawnFixes: 0, shownFlight: -1, selected: null };
   window.tarvoReport = S;
   var M_PER_DEG = 111195;
@@ -103,10 +108,14 @@ inline constexpr char kPageScript[] = R"js(<script>
   var none = L.layerGroup().addTo(map);
   var osm = L.tileLayer('https://tile.openstreetmap.org/{z}/{x}/{y}.png',
       { maxZoom: 22, maxNativeZoom: 19, attribution: '&copy; OpenStreetMap contributors' });
+  // The airport's context (taxiways, aprons, buildings) in a pane of its
+  // own under the areas, so that switching it back on keeps it under them.
+  map.createPane('context').style.zIndex = 350;
+  var contextLayer = L.layerGroup().addTo(map);
   var areaLayer = L.layerGroup().addTo(map), labelLayer = L.layerGroup().addTo(map);
   var pathLayer = L.layerGroup().addTo(map), selLayer = L.layerGroup().addTo(map);
   L.control.layers({ 'No basemap (offline)': none, 'OpenStreetMap (online)': osm },
-      { 'Areas': areaLayer, 'Area names': labelLayer, 'Path': pathLayer, 'Selected fix': selLayer },
+      { 'Taxiways, aprons, buildings': contextLayer, 'Areas': areaLayer, 'Area names': labelLayer, 'Path': pathLayer, 'Selected fix': selLayer },
       { collapsed: true }).addTo(map);
   function shortName(a) {
     if (a.kind !== 'hold') return a.name.replace(/^\S+ (?=RWY)/, '');
@@ -136,7 +145,39 @@ inline constexpr char kPageScript[] = R"js(<script>
     S.areas++; S.labels++;
     polys[a.name] = polys[a.name] ? polys[a.name].extend(poly.getBounds()) : poly.getBounds();
   });
-  function toggleFar() { map.getContainer().classList.toggle('zoom-far', map.getZoom() < 15); }
+  // Taxiway lines are as wide on the map as on the ground (at least 1.5 px).
+  var C = D.context || { lines: [], polygons: [] }, taxiways = [];
+  var contextStyle = { apron: ['#d2d2d2', '#aaa'], pavement: ['#d6d6d6', '#b0b0b0'], building: ['#b0b0b0', '#888'] };
+  C.polygons.forEach(function (p) {
+    var st = contextStyle[p[0]] || contextStyle.pavement;
+    var rings = p[2].map(function (r) { var out = []; for (var i = 0; i + 1 < r.length; i += 2) out.push([r[i], r[i + 1]]); return out; });
+    var poly = L.polygon(rings, { pane: 'context', color: st[1], weight: 1, fillColor: st[0], fillOpacity: 0.9 }).addTo(contextLayer);
+    poly.bindTooltip(p[0] + (p[1] ? ': ' + p[1] : ''), { sticky: true });
+    S.context.polygons++; S.context.kinds[p[0]] = (S.context.kinds[p[0]] || 0) + 1;
+  });
+  C.lines.forEach(function (l) {
+    var pts = []; for (var i = 0; i + 1 < l[3].length; i += 2) pts.push([l[3][i], l[3][i + 1]]);
+    var taxiway = l[0] === 'taxiway';
+    var line = L.polyline(pts, { pane: 'context', color: taxiway ? '#9a9a9a' : '#8c8a6a', weight: taxiway ? 3 : 1,
+        opacity: taxiway ? 0.85 : 0.8, lineCap: 'round', lineJoin: 'round' }).addTo(contextLayer);
+    if (l[1]) line.bindTooltip(l[0] + ' ' + l[1], { sticky: true });
+    if (taxiway) { line.widthM = l[2] || 23; taxiways.push(line); }
+    if (taxiway && l[1] && pts.length) {
+      L.tooltip({ permanent: true, direction: 'center', className: 'label twy', interactive: false })
+          .setLatLng(pts[Math.floor(pts.length / 2)]).setContent(l[1]).addTo(contextLayer);
+      S.context.labels++;
+    }
+    S.context.lines++; S.context.kinds[l[0]] = (S.context.kinds[l[0]] || 0) + 1;
+  });
+  function widenTaxiways() {
+    var mpp = 156543.03 * Math.cos(map.getCenter().lat * Math.PI / 180) / Math.pow(2, map.getZoom());
+    taxiways.forEach(function (t) { t.setStyle({ weight: Math.max(1.5, t.widthM / mpp) }); });
+  }
+  function toggleFar() {
+    map.getContainer().classList.toggle('zoom-far', map.getZoom() < 15);
+    map.getContainer().classList.toggle('zoom-mid', map.getZoom() < 16);
+    widenTaxiways();
+  }
   map.on('zoomend', toggleFar);
 
   var colours = ['#2a7', '#e80', '#c00'];
@@ -341,6 +382,7 @@ inline constexpr char kPageScript[] = R"js(<script>
   function writeState() {
     document.getElementById('state').textContent = JSON.stringify(S);
     document.getElementById('status').textContent = 'rendered: ' + S.areas + ' areas, ' + S.labels + ' labels, ' +
+        S.context.lines + ' context lines, ' + S.context.polygons + ' context polygons, ' +
         S.events + ' events, ' + S.flights + ' flights, ' + S.drawnFixes + ' fixes drawn' +
         (S.selected ? '; selected fix ' + (S.selected.fix + 1) + ' at zoom ' + S.selected.zoom : '');
   }
