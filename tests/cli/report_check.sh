@@ -4,7 +4,9 @@
 # of itself in #state (window.tarvoReport as JSON): the map, the area names,
 # the scale bar, the timeline and the events exist, and a click on an event
 # (driven by the page's "?select=N" hook, which clicks the N-th row) zooms
-# the map onto that event's fix with its six look-ahead points.
+# the map onto that event's fix with its six look-ahead points. The areas
+# are derived from the open data (import --airport), so the map also draws
+# the airport's context, counted here from the source files.
 # Usage: report_check.sh TOOL DATA_DIR WORK_DIR
 # Exit 77 (skipped) when Chromium is not installed.
 set -uo pipefail
@@ -12,13 +14,26 @@ tool="$1" data="$2" work="$3/report"
 browser=$(command -v chromium || command -v chromium-browser) || {
   echo "chromium is not installed"; exit 77; }
 rm -rf "$work" && mkdir -p "$work"
-"$tool" import "$data/airport-aptdat-flightgear/KMSP-areas.tsv" --data-dir "$work/kmsp" > /dev/null || exit 1
+"$tool" import "$data/airport-aptdat-flightgear/KMSP.apt.dat" --airport KMSP --data-dir "$work/kmsp" > /dev/null 2>&1 || exit 1
 "$tool" replay "$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv" --data-dir "$work/kmsp" \
   --where segment=KMSP-4-taxi-out-takeoff --quiet --report "$work/kmsp.html" > /dev/null || exit 1
-"$tool" import "$data/airport-osm-lszh/lszh-osm-areas.tsv" --data-dir "$work/lszh" > /dev/null || exit 1
+"$tool" import "$data/airport-osm-lszh/lszh.osm" --airport LSZH --data-dir "$work/lszh" > /dev/null 2>&1 || exit 1
 "$tool" replay "$data/adsb-tracks-lszh-opensky/lszh-tracks.csv" --data-dir "$work/lszh" --group-by flight \
   --speed-column derived_speed_kmh_5s --heading-column derived_track_deg_5s --quiet \
   --report "$work/lszh.html" > /dev/null || exit 1
+
+# KMSP: one paved surface per row 110 and one taxi line per row 120 of the
+# airport; LSZH: one line per aeroway=taxiway way, a label per ref.
+read -r kmsp_surfaces kmsp_lines < <(awk '$1 ~ /^(1|16|17)$/ { at = $5 }
+  at == "KMSP" && $1 == 110 { s++ } at == "KMSP" && $1 == 120 { l++ } END { print s, l }' \
+  "$data/airport-aptdat-flightgear/KMSP.apt.dat")
+read -r lszh_taxiways lszh_refs < <(python3 - "$data/airport-osm-lszh/lszh.osm" <<'PY'
+import sys, xml.etree.ElementTree as ET
+ways = [{t.get('k'): t.get('v') for t in w.iter('tag')} for w in ET.parse(sys.argv[1]).iter('way')]
+taxiways = [w for w in ways if w.get('aeroway') == 'taxiway']
+print(len(taxiways), sum(1 for w in taxiways if w.get('ref')))
+PY
+)
 
 run_browser() {
   "$browser" --headless --no-sandbox --disable-gpu --disable-quic --no-first-run \
@@ -56,6 +71,8 @@ PY
 check kmsp.html "" kmsp "
 state['map'] and state['scale'] and state['north'] and state['timeline']
 state['areas'] == 59 and state['labels'] == 59
+state['context']['kinds'] == {'pavement': $kmsp_surfaces, 'taxi line': $kmsp_lines}
+data['context']['files'] == ['$work/kmsp/KMSP.context.geojson']
 state['events'] >= 10 and state['drawnFixes'] == 179
 state['selected'] is None
 "
@@ -74,6 +91,8 @@ check lszh.html "" lszh "
 state['flights'] == 10 and len(data['flights']) == 10
 [f['name'] for f in data['flights']][5] == 'SWR137H-4b1614'
 state['shownFlight'] == 0
+state['context']['kinds'] == {'taxiway': $lszh_taxiways} and state['context']['labels'] == $lszh_refs
+all(l[2] > 0 for l in data['context']['lines'])
 "
 [[ $(grep -o '<section class="flight"' "$work/lszh.dom" | wc -l) == 10 ]] || fail "lszh: not one section per flight"
 
