@@ -32,6 +32,12 @@ Runways are rectangles from end to end, as wide as the source says. Names:
 "... A1" with the holding position's ref (a hold-short area). The GUIDs
 (ICAO-RWY-12R-30L, ICAO-HS-12R-30L-03) stay the same for the same source,
 so --replace updates a re-import in place.
+The airport's context for the replay report's map is written beside the
+store as ICAO.context.geojson (overwritten by a re-import): the paved
+surfaces (row 110) and painted taxi lines (row 120) of an apt.dat; the
+taxiway ways (ref, width), aprons and buildings of an OSM extract;
+nothing from OurAirports. These are never areas of the monitor. A context
+that cannot be written fails the import (exit 1); its areas stay stored.
 
 FILE formats: TSV (.tsv, .txt) with columns guid, name, points (kind
 optional; points are "lon,lat lon,lat ..."), or any vector format GDAL
@@ -91,7 +97,8 @@ Exit status: 1 when a GUID is not stored or the store fails.
 const char kClearHelp[] =
     R"(Usage: tarvo clear [options]
 
-Deletes every stored area.
+Deletes every stored area, and the map context files (*.context.geojson)
+beside the store.
 
 Options:
   --data-dir DIR  directory of the store
