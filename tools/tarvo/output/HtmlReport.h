@@ -3,9 +3,9 @@
 // look-ahead points of their fix, the airport's taxiways, aprons and
 // buildings under the areas when files of them are given, a timeline of
 // speed and events, the warning lead times and the summary, per flight when
-// the replay had several. The map is drawn by Leaflet, read from the system's copy and
-// inlined with the data, so the page is one file that opens offline; an
-// online basemap is a layer the reader may switch on.
+// the replay had several. The map is drawn by Leaflet, read from the
+// system's copy and inlined with the data, so the page is one file that
+// opens offline; an online basemap is a layer the reader may switch on.
 #ifndef TARVO_TOOLS_TARVO_OUTPUT_HTMLREPORT_H_
 #define TARVO_TOOLS_TARVO_OUTPUT_HTMLREPORT_H_
 
