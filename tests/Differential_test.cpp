@@ -29,6 +29,7 @@ namespace {
 using testing::RecordingDelegate;
 using testing::ReferenceMonitor;
 using testing::Scene;
+using testing::SceneKind;
 
 long fixesPerCase(long fallback) {
   const char* env = std::getenv("TARVO_DIFFERENTIAL_FIXES");
@@ -100,23 +101,23 @@ void runScene(Scene& scene, long fixes, bool fullCheck) {
 
 struct SceneCase {
   const char* what;
-  testing::SceneKind kind;
+  SceneKind kind;
   int areas;
   bool fullCheck;
 };
 
+// clang-format off
 const SceneCase kSceneCases[] = {
-    {"rectangles and rings, notices on edits", testing::SceneKind::kMixed, 40,
-     false},
+    {"rectangles and rings, notices on edits", SceneKind::kMixed, 40, false},
     {"rectangles and rings, full check instead of notices",
-     testing::SceneKind::kMixed, 40, true},
+     SceneKind::kMixed, 40, true},
     {"float-grid vertices and probes (meridian ties)",
-     testing::SceneKind::kFloatGrid, 30, false},
-    {"rings across 180 degrees", testing::SceneKind::kAntimeridian, 20, false},
-    {"degenerate and non-finite rings", testing::SceneKind::kDegenerate, 30,
-     false},
-    {"many small areas", testing::SceneKind::kMixed, 600, false},
+     SceneKind::kFloatGrid, 30, false},
+    {"rings across 180 degrees", SceneKind::kAntimeridian, 20, false},
+    {"degenerate and non-finite rings", SceneKind::kDegenerate, 30, false},
+    {"many small areas", SceneKind::kMixed, 600, false},
 };
+// clang-format on
 
 TEST(Differential, RandomRegistriesMatchTheReference) {
   const long fixes = fixesPerCase(4000);

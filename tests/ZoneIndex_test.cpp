@@ -38,41 +38,25 @@ struct RingCase {
 
 // Points that a bounding box would wrongly rule out, and rings whose bounds
 // need care; each is checked against the literal crossing test too.
+// clang-format off
 const RingCase kRingCases[] = {
     {"diamond, due south of its eastern vertex's meridian",
-     {{0, 1}, {1, 2}, {2, 1}, {1, 0}},
-     -5.0,
-     2.0,
-     true},
+     {{0, 1}, {1, 2}, {2, 1}, {1, 0}}, -5.0, 2.0, true},
     {"segment, due south of a vertex", {{10, 0}, {10, 2}}, 5.0, 0.0, true},
     {"segment, far south of a vertex", {{10, 0}, {10, 2}}, -80.0, 0.0, true},
     {"triangle, south of the vertex that ends two rising edges",
-     {{1, 0}, {2, 1}, {1, 2}},
-     -3.0,
-     1.0,
-     true},
+     {{1, 0}, {2, 1}, {1, 2}}, -3.0, 1.0, true},
     {"subnormal longitude step rounds the crossing above every vertex",
-     {{1.3, 0.0}, {0.0, kTiny}, {1.3, -1.0}},
-     1.31,
-     0.0,
-     true},
+     {{1.3, 0.0}, {0.0, kTiny}, {1.3, -1.0}}, 1.31, 0.0, true},
     {"NaN vertex leaves an odd count far south",
-     {{0, 0.1}, {kNaN, 1.3}, {0, 2.1}},
-     -50.0,
-     1.25,
-     true},
+     {{0, 0.1}, {kNaN, 1.3}, {0, 2.1}}, -50.0, 1.25, true},
     {"north of everything", {{0, 0}, {0, 1}, {1, 1}, {1, 0}}, 1.5, 0.5, false},
     {"on the southern edge counts",
-     {{0, 0}, {0, 1}, {1, 1}, {1, 0}},
-     0.0,
-     0.5,
-     true},
+     {{0, 0}, {0, 1}, {1, 1}, {1, 0}}, 0.0, 0.5, true},
     {"western longitude of the box is inside",
-     {{0, 0}, {0.5, 1}, {1, 0}},
-     0.25,
-     0.0,
-     false},
+     {{0, 0}, {0.5, 1}, {1, 0}}, 0.25, 0.0, false},
 };
+// clang-format on
 
 TEST(ZoneIndex, SkipsOnlyWhereTheCrossingTestSaysOutside) {
   for (const RingCase& c : kRingCases) {

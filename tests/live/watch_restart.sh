@@ -14,7 +14,6 @@ head -n 290 "$work/taxi.nmea" > "$work/first.nmea"
 { head -n 126 "$work/taxi.nmea"; tail -n +291 "$work/taxi.nmea"; } \
   > "$work/second.nmea"
 
-port=$(python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
 "$tool" watch --gpsd "127.0.0.1:$port" --data-dir "$work/store" --json \
   --no-sound --exit-after-idle 6 --record "$work/recorded.csv" \
   > "$work/watch.jsonl" 2> "$work/watch.err" &
@@ -42,17 +41,8 @@ grep -q "reconnected to gpsd at 127.0.0.1:$port" "$work/watch.err" ||
   { echo "FAIL: no reconnection"; exit 1; }
 
 # No fix of the second part may be lost after the reconnection.
-python3 - "$work/second.nmea" "$work/recorded.csv" <<'PY'
-import csv, sys
-sent = [l.split(",")[1] for l in open(sys.argv[1]) if ",A," in l][3:]
-got = {r["time_utc"][11:13] + r["time_utc"][14:16] + r["time_utc"][17:22]
-       for r in csv.DictReader(open(sys.argv[2]))}
-missing = [t for t in sent if t not in got]
-if missing:
-    sys.exit("FAIL: %d of %d fixes after the restart not received, the first "
-             "at %s" % (len(missing), len(sent), missing[0]))
-print("all %d fixes after the restart received" % len(sent))
-PY
+"$here/fixes_received.py" "$work/second.nmea" "$work/recorded.csv" \
+  "after the restart"
 "$tool" replay "$work/recorded.csv" --data-dir "$work/store" --json \
   > "$work/recorded.jsonl"
 echo "watch across the restart vs replay of its recorded track:"

@@ -42,12 +42,12 @@ struct Step {
   std::size_t skippedAfter;  // records skipped in all
 };
 
-void play(TrackFormat format, const std::vector<Step>& steps) {
+// Each line is written, then read: the fixes and skipped records counted so
+// far must already include it. The end of the pipe ends the read.
+void play(const std::vector<Step>& steps) {
   Pipe pipe;
   ASSERT_TRUE(isStreamPath(pipe.readPath()));
-  TrackReadOptions options;
-  options.format = format;
-  TrackStream stream(pipe.readPath(), options);
+  TrackStream stream(pipe.readPath(), TrackReadOptions{});
   std::vector<TrackFix> fixes;
   std::vector<SkippedFix> skipped;
   for (const Step& s : steps) {
@@ -60,23 +60,26 @@ void play(TrackFormat format, const std::vector<Step>& steps) {
   EXPECT_FALSE(stream.next(fixes, skipped));
 }
 
-TEST(TrackStream, NmeaFixComesWithItsRmcAndBadSentencesAreSkipped) {
-  play(TrackFormat::Auto,
-       {{"$GPRMC,120000.00,A,5000.0000,N,01000.0000,E,10.0,0.0,010124,,,A*6E",
-         1, 0},
-        // Checksum wrong: skipped, counted, and the read goes on.
-        {"$GPRMC,120001.00,A,5000.0030,N,01000.0000,E,10.0,0.0,010124,,,A*00",
-         1, 1},
-        {"not a sentence", 1, 2},
-        {"$GPRMC,120002.00,A,5000.0060,N,01000.0000,E,10.0,0.0,010124,,,A*6A",
-         2, 2}});
-}
-
-TEST(TrackStream, CsvRowsComeOneByOne) {
-  play(TrackFormat::Auto, {{"time,lat,lon,speed_kmh,heading", 0, 0},
-                           {"1,47.1,8.5,20,90", 1, 0},
-                           {"2,47.1,8.6,,90", 1, 1},
-                           {"3,47.1,8.7,20,90", 2, 1}});
+// A bad NMEA sentence (wrong checksum, or no sentence at all) and a CSV row
+// without its speed are skipped and counted, and the read goes on.
+TEST(TrackStream, EachFixComesWithItsLineAndBadRecordsAreSkipped) {
+  {
+    SCOPED_TRACE("NMEA");
+    play({{"$GPRMC,120000.00,A,5000.0000,N,01000.0000,E,10.0,0.0,010124,,,A*6E",
+           1, 0},
+          {"$GPRMC,120001.00,A,5000.0030,N,01000.0000,E,10.0,0.0,010124,,,A*00",
+           1, 1},
+          {"not a sentence", 1, 2},
+          {"$GPRMC,120002.00,A,5000.0060,N,01000.0000,E,10.0,0.0,010124,,,A*6A",
+           2, 2}});
+  }
+  {
+    SCOPED_TRACE("CSV");
+    play({{"time,lat,lon,speed_kmh,heading", 0, 0},
+          {"1,47.1,8.5,20,90", 1, 0},
+          {"2,47.1,8.6,,90", 1, 1},
+          {"3,47.1,8.7,20,90", 2, 1}});
+  }
 }
 
 TEST(TrackStream, GpxIsRefused) {

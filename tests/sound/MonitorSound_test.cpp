@@ -16,11 +16,12 @@
 #include <vector>
 
 #include "sound/DiskAudio.h"
+#include "support/MonitorDoubles.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using tarvo::OptionalString;
+using tarvo::testing::RecordingDelegate;
 
 #if TARVO_TEST_HAVE_AUDIO
 constexpr bool kHaveAudio = true;
@@ -40,33 +41,19 @@ constexpr double kBeyondLon = 20.0080;  // past the far end
 constexpr double kStepLon = 0.8333 / 109640.0;
 
 std::shared_ptr<tarvo::DMPolygonArray> oneArea(const std::string& name) {
-  auto area = std::make_shared<tarvo::DMPolygon>();
-  area->setPolygonName(name);
-  area->setPolygonGUID("guid-" + name);
-  area->setPolygonPoints(std::make_shared<tarvo::DMPointArray>(
-      tarvo::DMPointArray{{10.0000, 20.0010},
-                          {10.0000, 20.0050},
-                          {10.0010, 20.0050},
-                          {10.0010, 20.0010}}));
   return std::make_shared<tarvo::DMPolygonArray>(
-      tarvo::DMPolygonArray{std::move(area)});
+      tarvo::DMPolygonArray{tarvo::testing::area(
+          name, "guid-" + name,
+          tarvo::testing::box(10.0000, 20.0010, 10.0010, 20.0050))});
 }
 
-class RecordingDelegate : public tarvo::TarvoDelegate {
- public:
-  void RunwayIncrusionOccurredAtRunway(const OptionalString& name,
-                                       const OptionalString& guid,
-                                       bool) override {
-    occurred.push_back(name.value_or("<absent>") + "/" +
-                       guid.value_or("<absent>"));
-  }
-  void RunwayIncrusionRemovededFromRunway(const OptionalString& name,
-                                          const OptionalString&) override {
-    removed.push_back(name.value_or("<absent>"));
-  }
-  std::vector<std::string> occurred;
-  std::vector<std::string> removed;
-};
+// The last notice: whether it is an entry, and the area's name and GUID.
+std::string lastNotice(const RecordingDelegate& d) {
+  if (d.notices.empty()) return "none";
+  const tarvo::testing::Notice& n = d.notices.back();
+  return std::string(n.occurred ? "occurred " : "removed ") +
+         n.name.value_or("<absent>") + "/" + n.guid.value_or("<absent>");
+}
 
 // One fix, then the main queue's tasks, as a host's main loop runs them.
 void handFix(tarvo::Tarvo& monitor, double lon) {
@@ -108,16 +95,17 @@ TEST(MonitorSound, WithoutAUsableSoundFileTheMonitorStillWarns) {
     EXPECT_EQ(c.player, monitor->currentaudioPlayer() != nullptr) << c.what;
     monitor->setPolygons(oneArea(c.what));
 
-    delegate->occurred.clear();
+    delegate->notices.clear();
     handFix(*monitor, kInsideLon);
-    ASSERT_EQ(1u, delegate->occurred.size()) << c.what;
-    EXPECT_EQ(std::string(c.what) + "/guid-" + c.what, delegate->occurred[0]);
+    ASSERT_EQ(1u, delegate->notices.size()) << c.what;
+    EXPECT_EQ(std::string("occurred ") + c.what + "/guid-" + c.what,
+              lastNotice(*delegate));
     if (c.player) {
       EXPECT_TRUE(monitor->currentaudioPlayer()->isPlaying()) << c.what;
     }
     handFix(*monitor, kBeyondLon);
-    ASSERT_FALSE(delegate->removed.empty()) << c.what;
-    EXPECT_EQ(c.what, delegate->removed.back());
+    EXPECT_EQ(std::string("removed ") + c.what + "/guid-" + c.what,
+              lastNotice(*delegate));
     if (c.player) {
       EXPECT_FALSE(monitor->currentaudioPlayer()->isPlaying()) << c.what;
     }
@@ -187,8 +175,8 @@ TEST(MonitorSound, ATrackOntoAnAreaIsHeardAsTheAreaDemands) {
     const std::size_t exitAt = tarvo_test::framesWritten(output);
     handFix(*monitor, kBeyondLon);
     EXPECT_FALSE(player->isPlaying()) << c.area;
-    ASSERT_FALSE(delegate->removed.empty()) << c.area;
-    EXPECT_EQ(c.area, delegate->removed.back());
+    EXPECT_EQ(std::string("removed ") + c.area + "/guid-" + c.area,
+              lastNotice(*delegate));
 
     ASSERT_TRUE(tarvo_test::waitForFrames(
         output, tarvo_test::framesWritten(output) + tarvo_test::kRateHz / 2));

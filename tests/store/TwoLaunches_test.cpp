@@ -14,9 +14,15 @@
 #include <string>
 #include <vector>
 
+#include "support/MonitorDoubles.h"
+
 namespace {
 
 namespace fs = std::filesystem;
+using tarvo::testing::describe;
+using tarvo::testing::Notice;
+using tarvo::testing::occurred;
+using tarvo::testing::removed;
 
 // A 0.001 x 0.01 degree runway and a hold-short area north-east of it,
 // written longitude first as hosts send them.
@@ -29,24 +35,6 @@ std::string sharedDirectory() {
   const char* dir = std::getenv("TARVO_E2E_DIR");
   return dir != nullptr ? dir : "";
 }
-
-// Records every notice as one line of text.
-class RecordingDelegate : public tarvo::TarvoDelegate {
- public:
-  void RunwayIncrusionOccurredAtRunway(const tarvo::OptionalString& name,
-                                       const tarvo::OptionalString& id,
-                                       bool onRunway) override {
-    notices.push_back("occurred " + name.value_or("<absent>") + " " +
-                      id.value_or("<absent>") + (onRunway ? " on" : " near"));
-  }
-  void RunwayIncrusionRemovededFromRunway(
-      const tarvo::OptionalString& name,
-      const tarvo::OptionalString& id) override {
-    notices.push_back("removed '" + name.value_or("<absent>") + "' " +
-                      id.value_or("<absent>"));
-  }
-  std::vector<std::string> notices;
-};
 
 TEST(TwoLaunches, FirstLaunchRegistersAreas) {
   const std::string dir = sharedDirectory();
@@ -69,7 +57,7 @@ TEST(TwoLaunches, SecondLaunchWarnsAboutStoredAreas) {
   tarvo::setSoundPlayerFactory(
       [](const std::string&) { return std::shared_ptr<tarvo::SoundPlayer>(); });
   const auto& monitor = tarvo::Tarvo::sharedManager();
-  auto delegate = std::make_shared<RecordingDelegate>();
+  auto delegate = std::make_shared<tarvo::testing::RecordingDelegate>();
   monitor->setDelegate(delegate);
   monitor->initializes();
   ASSERT_EQ(2u, monitor->polygons()->size());
@@ -77,26 +65,28 @@ TEST(TwoLaunches, SecondLaunchWarnsAboutStoredAreas) {
   struct Fix {
     const char* what;
     double latitude, longitude, speedKmh, headingDeg;
-    const char* notice;
+    Notice notice;
   };
   const Fix fixes[] = {
       {"parked far away", 50.0100, 10.0500, 0, 0,
-       "removed '<absent>' <absent>"},
+       removed(std::nullopt, std::nullopt)},
       {"taxiing north towards the runway", 49.9995, 10.0050, 100, 0,
-       "occurred RWY 09/27 rwy-0927 near"},
+       occurred("RWY 09/27", "rwy-0927", false)},
       {"on the runway", 50.0005, 10.0050, 0, 0,
-       "occurred RWY 09/27 rwy-0927 on"},
+       occurred("RWY 09/27", "rwy-0927", true)},
       {"in the hold-short area", 50.0025, 10.0045, 0, 0,
-       "occurred HOLD SHORT A hs-a near"},
+       occurred("HOLD SHORT A", "hs-a", false)},
       {"clear of every area", 50.0100, 10.0500, 0, 0,
-       "removed 'HOLD SHORT A' hs-a"},
-      {"still clear", 50.0100, 10.0500, 0, 0, "removed '' hs-a"},
+       removed("HOLD SHORT A", "hs-a")},
+      {"still clear", 50.0100, 10.0500, 0, 0, removed("", "hs-a")},
   };
   for (const Fix& f : fixes) {
     delegate->notices.clear();
     monitor->checkPointinPolygonLatitude(f.latitude, f.longitude, f.speedKmh,
                                          f.headingDeg);
-    EXPECT_EQ(std::vector<std::string>{f.notice}, delegate->notices) << f.what;
+    EXPECT_EQ(describe(std::vector<Notice>{f.notice}),
+              describe(delegate->notices))
+        << f.what;
   }
 }
 
