@@ -218,7 +218,7 @@ store failure, 2 on usage.
 const std::vector<CommandSpec>& commandTable() {
   static const std::vector<CommandSpec> table = {
       {"import",
-       "register the areas of a TSV file or any GDAL vector file",
+       "register areas from a file, or derive an airport's (--airport)",
        1,
        1,
        {{"format", OptionValue::Required},
@@ -343,7 +343,7 @@ std::string toolHelp() {
   text +=
       "\nRun `tarvo COMMAND --help` for the options of a command.\n"
       "Example:\n"
-      "  tarvo import KMSP-areas.tsv --data-dir demo-data\n"
+      "  tarvo import KMSP.apt.dat --airport KMSP --data-dir demo-data\n"
       "  tarvo replay kmsp-kden-tracks.csv --data-dir demo-data \\\n"
       "      --where segment=KMSP-4-taxi-out-takeoff --report out.html\n";
   return text;
