@@ -1,6 +1,7 @@
 // An airport of an X-Plane/FlightGear apt.dat: row 100 runways and the
 // runway-hold lines among the painted lines (rows 120, 111-116), and for the
 // map the paved surfaces (row 110) and the painted lines themselves.
+#include <cmath>
 #include <fstream>
 #include <sstream>
 
@@ -61,8 +62,12 @@ class HoldLineCollector {
             number(w, 2, path_, line, "longitude")};
     const std::size_t typeAt = bezier ? 5 : 3;
     if (typeAt < w.size()) {
-      const int type = static_cast<int>(number(w, typeAt, path_, line, "type"));
-      n.type = type < 100 ? type : 0;
+      // Only whole numbers below 100 are line types; anything else (a light
+      // type, or a number no line type has) marks no line.
+      const double type = number(w, typeAt, path_, line, "type");
+      n.type = type >= 0 && type < 100 && type == std::floor(type)
+                   ? static_cast<int>(type)
+                   : 0;
     }
     n.closesLoop = code == 113 || code == 114;
     n.ends = code == 115 || code == 116;
