@@ -58,7 +58,7 @@ def main():
     client = threading.Thread(target=gpsd_client, args=(port, sent, stop))
     watch = subprocess.Popen(
         [tool, "watch", "--gpsd", "127.0.0.1:%d" % port, "--data-dir", store,
-         "--json", "--all-notices", "--no-sound", "--exit-after-idle", "3"],
+         "--json", "--all-notices", "--no-sound", "--exit-after-idle", "10"],
         stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
     fake = subprocess.Popen(["gpsfake", "-1", "-q", "-P", str(port), "-c",
                              "0.02", log], stdout=subprocess.DEVNULL,

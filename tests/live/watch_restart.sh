@@ -14,8 +14,10 @@ head -n 290 "$work/taxi.nmea" > "$work/first.nmea"
 { head -n 126 "$work/taxi.nmea"; tail -n +291 "$work/taxi.nmea"; } \
   > "$work/second.nmea"
 
+# The watch gives up 15 s after its last fix: long enough for a loaded
+# machine to start gpsfake twice and for the watch's reconnection back-off.
 "$tool" watch --gpsd "127.0.0.1:$port" --data-dir "$work/store" --json \
-  --no-sound --exit-after-idle 6 --record "$work/recorded.csv" \
+  --no-sound --exit-after-idle 15 --record "$work/recorded.csv" \
   > "$work/watch.jsonl" 2> "$work/watch.err" &
 watch_pid=$!
 pids=()
