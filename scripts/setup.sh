@@ -7,7 +7,7 @@
 #   other on Debian; the versioned g++-N-multilib does not, so both fit.
 set -euo pipefail
 
-packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev libboost-dev
+packages=(cmake g++ make pkgconf libsqlite3-dev libsdl2-mixer-dev
           nlohmann-json3-dev libpugixml-dev libgps-dev
           libespeak-ng-dev espeak-ng-data libjs-leaflet libgdal-dev
           help2man pybind11-dev python3-dev)

@@ -154,5 +154,34 @@ TEST(ZoneIndex, FollowsTheListAsTheHostChangesIt) {
   EXPECT_EQ(OptionalString("C"), m.currentPolygonName());
 }
 
+// The alert cycle evaluates twice per fix, and the second evaluation reuses
+// the crossing tests of the first; a host that renames an area from its
+// notice, in between, must still get the verdict the new names give.
+TEST(ZoneIndex, ReadsNamesAfreshWhenTheHostRenamesFromItsNotice) {
+  struct Renamer : TarvoDelegate {
+    std::shared_ptr<DMPolygon> area;
+    void RunwayIncrusionOccurredAtRunway(const OptionalString&,
+                                         const OptionalString&, bool) override {
+      area->setPolygonName(std::string("A HOLD SHORT"));
+    }
+  };
+  auto renamer = std::make_shared<Renamer>();
+  auto m = std::make_shared<Tarvo>();
+  auto list = std::make_shared<DMPolygonArray>(
+      DMPolygonArray{testing::area(std::string("A"), std::string("a"),
+                                   testing::box(0, 0, 1, 1)),
+                     testing::area(std::string("B"), std::string("b"),
+                                   testing::box(0, 0, 1, 1))});
+  renamer->area = list->front();
+  m->setPolygons(list);
+  m->setDelegate(renamer);
+  // The first evaluation stops at runway A; once A is a hold-short area the
+  // scan must go on to B.
+  m->checkPointinPolygonLatitude(0.5, 0.5, 0, 0);
+  EXPECT_EQ(OptionalString("B"), m->currentPolygonName());
+  EXPECT_TRUE(m->onRunway());
+  EXPECT_TRUE(m->isHazardArea());
+}
+
 }  // namespace
 }  // namespace tarvo

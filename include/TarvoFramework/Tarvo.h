@@ -16,8 +16,8 @@
 
 namespace tarvo {
 
-struct CrossingReach;
 struct ProbeSet;
+struct AreaVisit;
 class ZoneIndex;
 
 /// The monitor the host talks to: it keeps the registered areas in memory,
@@ -310,11 +310,12 @@ class TARVO_EXPORT Tarvo : public std::enable_shared_from_this<Tarvo> {
  private:
   friend class ZoneIndexAccess;
   struct ScanState;
-  bool scanArea(const DMPolygon* area, const CrossingReach& reach,
-                ScanState& scan);
+  bool scanArea(AreaVisit& visit, ScanState& scan);
+  bool visitArea(AreaVisit& visit, ScanState& scan);
   void passOverAreas(ScanState& scan);
   void setProbes(ProbeSet& probes) const;
   void recordMatch(const DMPolygon& area, ScanState& scan);
+  void keepLastMatch(const ScanState& scan);
   void queuePlayTask();
   void queueStopTask();
   std::shared_ptr<Tarvo> keepAlive();

@@ -65,30 +65,34 @@ bool addEdgeToSlab(const DMPoint& pi, const DMPoint& pj, ReachSlab& slab) {
 
 std::vector<ReachSlab> crossingSlabs(const DMPoint* vertices,
                                      std::int32_t count,
-                                     const CrossingReach& reach, int slabs) {
-  std::vector<ReachSlab> out;
-  if (vertices == nullptr || count <= 0 || slabs < 1 || reach.openSouth ||
-      !std::isfinite(reach.minLon) || !std::isfinite(reach.maxLon) ||
-      !(reach.minLon < reach.maxLon)) {
-    return out;
+                                     const CrossingReach& reach,
+                                     const std::vector<double>& borders) {
+  std::vector<ReachSlab> slabs;
+  if (vertices == nullptr || count <= 0 || borders.size() < 2 ||
+      reach.openSouth || !std::isfinite(reach.minLon) ||
+      !std::isfinite(reach.maxLon)) {
+    return slabs;
   }
-  const double span = reach.maxLon - reach.minLon;
-  for (int k = 0; k < slabs; ++k) {
-    const double west = k == 0 ? reach.minLon : out.back().east;
-    const double east =
-        k == slabs - 1 ? reach.maxLon : reach.minLon + span * (k + 1) / slabs;
-    out.push_back({west, east, CrossingReach::kInf, -CrossingReach::kInf});
+  for (std::size_t k = 0; k + 1 < borders.size(); ++k) {
+    slabs.push_back({std::max(borders[k], reach.minLon),
+                     std::min(borders[k + 1], reach.maxLon),
+                     CrossingReach::kInf, -CrossingReach::kInf});
   }
-  for (ReachSlab& slab : out) {
-    for (std::int32_t i = 0, j = count - 1; i < count; j = i++) {
-      if (!addEdgeToSlab(vertices[i], vertices[j], slab)) return {};
+  for (std::int32_t i = 0, j = count - 1; i < count; j = i++) {
+    const double lo =
+        std::min(vertices[i].longitude(), vertices[j].longitude());
+    const double hi =
+        std::max(vertices[i].longitude(), vertices[j].longitude());
+    // The first slab whose upper border is not below the edge's west end.
+    const auto first =
+        std::lower_bound(borders.begin() + 1, borders.end(), lo) -
+        (borders.begin() + 1);
+    for (auto k = static_cast<std::size_t>(first);
+         k < slabs.size() && borders[k] <= hi; ++k) {
+      if (!addEdgeToSlab(vertices[i], vertices[j], slabs[k])) return {};
     }
   }
-  std::vector<ReachSlab> met;
-  for (const ReachSlab& slab : out) {
-    if (slab.south <= slab.north) met.push_back(slab);
-  }
-  return met;
+  return slabs;
 }
 
 bool floatCanHold(double lon) {

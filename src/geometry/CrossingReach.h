@@ -80,31 +80,34 @@ struct CrossingReach {
 CrossingReach crossingReach(const DMPoint* vertices, std::int32_t count);
 
 // A tighter reach for the area index: the ring's longitude span cut into
-// slabs, each with its own north and south bounds, so that a long ring at an
-// angle (a runway not aligned with a meridian) is covered by a staircase of
-// boxes instead of one large box. Within a slab [west, east] only the edges
-// whose longitude span meets it can qualify, and for such an edge the
-// crossing latitude X, as the test computes it, is a monotonic function of
-// the probe longitude: lon - Pi.lon, the product with D, the quotient by v
-// and the sum with Pi.lat are each monotonic in their varying operand under
-// round-to-nearest. So X over the part of the edge inside the slab lies
-// between its values at that part's two ends, evaluated in the same double
-// operations as the test. Rules 2 and 3 then hold per slab with those
-// bounds (rule 3 with the same conditions: not open to the south, probes
-// on vertex meridians found by other means). A slab that no edge meets
-// holds nothing and is left out.
+// slabs at given borders, each slab with its own north and south bounds, so
+// that a long ring at an angle (a runway not aligned with a meridian) is
+// covered by a staircase instead of one large box. Within a slab
+// [west, east] only the edges whose longitude span meets it can qualify, and
+// for such an edge the crossing latitude X, as the test computes it, is a
+// monotonic function of the probe longitude: lon - Pi.lon, the product with
+// D, the quotient by v and the sum with Pi.lat are each monotonic in their
+// varying operand under round-to-nearest. So X over the part of the edge
+// inside the slab lies between its values at that part's two ends,
+// evaluated in the same double operations as the test. Rules 2 and 3 then
+// hold per slab with those bounds (rule 3 with the same conditions: not open
+// to the south, probes on vertex meridians found by other means).
 struct ReachSlab {
-  double west, east, south, north;
+  double west, east, south, north;  // south > north: no edge meets the slab
+
+  bool isEmpty() const { return !(south <= north); }
 };
 
-// The slabs of a ring whose reach is bounded (finite bounds, not open to
-// the south): `count` slabs of equal longitude width, the first starting at
-// reach.minLon and the last ending at reach.maxLon, adjacent ones sharing
-// their border. Empty when a bound is not finite (the whole reach then
-// serves).
+// The slabs of a ring whose reach is bounded (finite bounds, not open to the
+// south) between consecutive `borders` (increasing): slab k covers
+// [max(borders[k], minLon), min(borders[k + 1], maxLon)], so the slabs cover
+// the whole reach when the borders enclose [minLon, maxLon]. Empty when a
+// crossing latitude is not finite (the whole reach then serves). Linear in
+// the number of vertices plus, per edge, the slabs it meets.
 std::vector<ReachSlab> crossingSlabs(const DMPoint* vertices,
                                      std::int32_t count,
-                                     const CrossingReach& reach, int slabs);
+                                     const CrossingReach& reach,
+                                     const std::vector<double>& borders);
 
 // Whether a float probe's longitude can equal this vertex longitude, for a
 // finite vertex longitude.

@@ -138,6 +138,9 @@ PredictedPositions predictPositions(CLLocationCoordinate2D position,
 
 namespace {
 
+// Up to this many vertices the crossing test runs without branches.
+constexpr std::int32_t kFewVertices = 8;
+
 // The crossing latitude of edge (i, j) in exactly this order, and whether
 // the point lies below it. An edge along a meridian divides 0 by 0 here;
 // the NaN never counts.
@@ -205,6 +208,57 @@ std::int32_t twoEdgesAtATime(const DMPoint* v, std::int32_t count, double lat,
   return i;
 }
 
+// The same edges for small rings, where the branches above would be
+// mispredicted more often than not: both edges' crossing latitudes are
+// computed in one vector step whether they qualify or not (the value of an
+// edge that does not qualify is ignored), in exactly the operations of
+// below(), and the flips are counted from the comparison masks.
+std::int32_t twoEdgesWithoutBranches(const DMPoint* v, std::int32_t count,
+                                     double lat, double lon, bool& inside) {
+  std::int32_t i = 1;
+#if defined(TARVO_CROSSING_SSE2)
+  const __m128d l = _mm_set1_pd(lon);
+  const __m128d below = _mm_set1_pd(lat);
+  int flips = 0;
+  for (; i + 1 < count; i += 2) {
+    const __m128d a0 = _mm_loadu_pd(pairs(v + i - 1));
+    const __m128d a1 = _mm_loadu_pd(pairs(v + i));
+    const __m128d a2 = _mm_loadu_pd(pairs(v + i + 1));
+    const __m128d iLon = _mm_unpackhi_pd(a1, a2),
+                  iLat = _mm_unpacklo_pd(a1, a2);
+    const __m128d jLon = _mm_unpackhi_pd(a0, a1),
+                  jLat = _mm_unpacklo_pd(a0, a1);
+    const __m128d qualifies =
+        _mm_xor_pd(_mm_cmpge_pd(iLon, l), _mm_cmpgt_pd(jLon, l));
+    __m128d d = _mm_sub_pd(jLat, iLat);
+    d = _mm_mul_pd(d, _mm_sub_pd(l, iLon));
+    d = _mm_div_pd(d, _mm_sub_pd(jLon, iLon));
+    const __m128d crosses = _mm_cmplt_pd(below, _mm_add_pd(d, iLat));
+    flips ^= _mm_movemask_pd(_mm_and_pd(qualifies, crosses));
+  }
+  inside ^= ((flips ^ (flips >> 1)) & 1) != 0;
+#elif defined(TARVO_CROSSING_NEON)
+  const float64x2_t l = vdupq_n_f64(lon);
+  const float64x2_t below = vdupq_n_f64(lat);
+  uint64x2_t flips = vdupq_n_u64(0);
+  for (; i + 1 < count; i += 2) {
+    const float64x2x2_t j = vld2q_f64(pairs(v + i - 1));  // lats, lons
+    const float64x2x2_t k = vld2q_f64(pairs(v + i));
+    const uint64x2_t qualifies =
+        veorq_u64(vcgeq_f64(k.val[1], l), vcgtq_f64(j.val[1], l));
+    float64x2_t d = vsubq_f64(j.val[0], k.val[0]);
+    d = vmulq_f64(d, vsubq_f64(l, k.val[1]));
+    d = vdivq_f64(d, vsubq_f64(j.val[1], k.val[1]));
+    const uint64x2_t crosses = vcltq_f64(below, vaddq_f64(d, k.val[0]));
+    flips = veorq_u64(flips, vandq_u64(qualifies, crosses));
+  }
+  inside ^= ((vgetq_lane_u64(flips, 0) ^ vgetq_lane_u64(flips, 1)) & 1) != 0;
+#else
+  (void)v, (void)count, (void)lat, (void)lon, (void)inside;
+#endif
+  return i;
+}
+
 }  // namespace
 
 // The edges are examined in the order (0, n - 1), (1, 0), (2, 1), ...; the
@@ -217,7 +271,10 @@ bool pointInPolygon(const DMPoint* vertices, std::int32_t count, float latitude,
   const double lat = latitude;
   const double lon = longitude;
   bool inside = flips(vertices[0], vertices[count - 1], lat, lon);
-  std::int32_t i = twoEdgesAtATime(vertices, count, lat, lon, inside);
+  std::int32_t i =
+      count <= kFewVertices
+          ? twoEdgesWithoutBranches(vertices, count, lat, lon, inside)
+          : twoEdgesAtATime(vertices, count, lat, lon, inside);
   for (; i < count; ++i) {
     if (flips(vertices[i], vertices[i - 1], lat, lon)) inside = !inside;
   }

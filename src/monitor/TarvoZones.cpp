@@ -24,36 +24,60 @@ bool Tarvo::checkPointInPolygon(const std::shared_ptr<DMPointArray>& points,
 
 // The working state of one evaluation. Only whether the matched name is
 // empty matters to the verdict, so the scan keeps that flag, not the name.
+// The last match's name and identifier become the monitor's when the scan
+// ends: nothing reads them in between, so copying each match's strings
+// would be wasted.
 struct Tarvo::ScanState {
   bool found = false;
   bool matchedNameNonEmpty = false;
+  const DMPolygon* lastMatch = nullptr;
+  std::size_t next = 0;  // the first area not yet accounted for
   ProbeSet probes;
 };
 
 void Tarvo::recordMatch(const DMPolygon& area, ScanState& scan) {
   checkISHazardforName(area.polygonName());
-  setCurrentPolygonName(area.polygonName());
-  setCurrentPolygonGuid(area.polygonGUID());
+  scan.lastMatch = &area;
   scan.matchedNameNonEmpty = area.polygonName() && !area.polygonName()->empty();
 }
 
+// Assigns the members directly: the setters take their argument by value,
+// which would copy the strings once more.
+void Tarvo::keepLastMatch(const ScanState& scan) {
+  if (scan.lastMatch == nullptr) return;
+  currentPolygonName_ = scan.lastMatch->polygonName();
+  currentPolygonGuid_ = scan.lastMatch->polygonGUID();
+}
+
 // Tests the seven probes against one area; returns true when a hazard match
-// ends the whole scan. `reach` skips the crossing tests that provably answer
-// "outside".
-bool Tarvo::scanArea(const DMPolygon* area, const CrossingReach& reach,
-                     ScanState& scan) {
-  const DMPointArray* ring = area ? area->polygonPoints().get() : nullptr;
+// ends the whole scan. A probe that the index ruled out for this area is
+// outside; one already tested for it keeps its answer; the others are
+// tested on the index's copy of the ring, with the reach skipping the
+// crossing tests that provably answer "outside". The area's record is read
+// only on a match, for its name and identifier.
+bool Tarvo::scanArea(AreaVisit& visit, ScanState& scan) {
+  const ZoneIndex& index = *zoneIndex_;
   const ProbeSet& p = scan.probes;
   const auto inside = [&](int m) {
-    return ring != nullptr && reach.mayContain(p.lat[m], p.lon[m]) &&
-           pointInPolygon(ring->data(), static_cast<std::int32_t>(ring->size()),
-                          p.lat[m], p.lon[m]);
+    const auto bit = static_cast<std::uint8_t>(1u << m);
+    if (!(visit.candidates & bit)) return false;
+    if (!(visit.tested & bit)) {
+      visit.tested |= bit;
+      if ((!visit.checkReach ||
+           index.reach(visit.area).mayContain(p.lat[m], p.lon[m])) &&
+          pointInPolygon(index.ring(visit.area), index.ringSize(visit.area),
+                         p.lat[m], p.lon[m])) {
+        visit.inside |= bit;
+      }
+    }
+    return (visit.inside & bit) != 0;
   };
+  const auto match = [&] { recordMatch(*(*polygons_)[visit.area], scan); };
   setOnRunway(false);
 
   scan.found = inside(0);
   if (scan.found) {
-    recordMatch(*area, scan);
+    match();
     setOnRunway(true);
     if (isHazardArea_) return true;
   }
@@ -64,14 +88,14 @@ bool Tarvo::scanArea(const DMPolygon* area, const CrossingReach& reach,
   for (int m = 1; m < 6; ++m) {
     scan.found = inside(m);
     if (scan.found) {
-      recordMatch(*area, scan);
+      match();
       if (isHazardArea_) return true;
     }
   }
 
   // The seventh probe, far right, does not end the scan.
   scan.found = inside(6);
-  if (scan.found) recordMatch(*area, scan);
+  if (scan.found) match();
   if (scan.matchedNameNonEmpty && isHazardArea_) scan.found = true;
   return false;
 }
@@ -83,9 +107,20 @@ void Tarvo::passOverAreas(ScanState& scan) {
   scan.found = scan.matchedNameNonEmpty && isHazardArea_;
 }
 
-// Visits the areas that the index names, in list order, and stands in for
-// every run of areas between them with passOverAreas: the state after the
-// scan is the one that testing every area would leave.
+// Stands in for the areas before this one that no probe is inside, then
+// scans this one; true when the scan ends here.
+bool Tarvo::visitArea(AreaVisit& visit, ScanState& scan) {
+  if (visit.area > scan.next) passOverAreas(scan);
+  scan.next = std::size_t{visit.area} + 1;
+  return scanArea(visit, scan);
+}
+
+// Visits, in list order, the areas that a probe may lie in, and stands in
+// for every run of areas between them with passOverAreas: the state after
+// the scan is the one that testing every area would leave. What earlier
+// evaluations of the same probes found is replayed first, with the names
+// read afresh (a host may rename an area between two evaluations); the
+// walk over the index goes on from where they stopped only if needed.
 bool Tarvo::processPointInPolygon() {
   ScanState scan;
   const std::size_t count = polygons_ ? polygons_->size() : 0;
@@ -93,18 +128,24 @@ bool Tarvo::processPointInPolygon() {
   setProbes(scan.probes);
   if (!zoneIndex_) zoneIndex_ = std::make_unique<ZoneIndex>();
   zoneIndex_->refresh(polygons_, verifyZoneIndex_);
+  ScanRecord& record = zoneIndex_->recordFor(scan.probes);
 
-  std::size_t next = 0;  // the first area not yet accounted for
   bool stopped = false;
-  for (const std::uint32_t k : zoneIndex_->candidates(scan.probes)) {
-    if (k > next) passOverAreas(scan);
-    next = std::size_t{k} + 1;
-    if (scanArea((*polygons_)[k].get(), zoneIndex_->reach(k), scan)) {
-      stopped = true;
-      break;
-    }
+  for (std::size_t h = 0; h < record.hits.size() && !stopped; ++h) {
+    stopped = visitArea(record.hits[h], scan);
   }
-  if (!stopped && next < count) passOverAreas(scan);
+  if (!stopped && !record.complete) {
+    zoneIndex_->startWalk(scan.probes, record.resumeAt);
+    AreaVisit visit{};
+    while (!stopped && zoneIndex_->nextCandidate(visit)) {
+      stopped = visitArea(visit, scan);
+      record.resumeAt = visit.area + 1;
+      if (visit.inside != 0) record.hits.push_back(visit);
+    }
+    record.complete = !stopped;
+  }
+  if (!stopped && scan.next < count) passOverAreas(scan);
+  keepLastMatch(scan);
   if (scan.matchedNameNonEmpty) scan.found = true;
   return scan.found;
 }

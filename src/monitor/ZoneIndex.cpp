@@ -1,25 +1,14 @@
-// The area index: reaches, an R-tree over the bounded ones, staleness checks.
+// The area index: reaches, the grid over the bounded ones, the walk in list
+// order, staleness checks.
 #include "monitor/ZoneIndex.h"
 
 #include <algorithm>
-#include <boost/geometry.hpp>
-#include <boost/geometry/index/rtree.hpp>
-#include <boost/iterator/function_output_iterator.hpp>
 #include <cmath>
 #include <cstring>
-#include <iterator>
 #include <utility>
 
 namespace tarvo {
 namespace {
-
-namespace bg = boost::geometry;
-namespace bgi = boost::geometry::index;
-
-// x = longitude, y = latitude.
-using Point = bg::model::point<double, 2, bg::cs::cartesian>;
-using Box = bg::model::box<Point>;
-using Entry = std::pair<Box, std::uint32_t>;
 
 bool isBounded(const CrossingReach& r) {
   return !r.openSouth && std::isfinite(r.minLon) && std::isfinite(r.maxLon) &&
@@ -30,42 +19,25 @@ const DMPointArray* ringOf(const std::shared_ptr<DMPolygon>& area) {
   return area ? area->polygonPoints().get() : nullptr;
 }
 
-double boxArea(double west, double east, double south, double north) {
-  return (east - west) * (north - south);
+// The median extent of the bounded reaches, in degrees: what the grid's
+// cells are sized by.
+double typicalExtent(const std::vector<CrossingReach>& reaches) {
+  std::vector<double> extents;
+  for (const CrossingReach& r : reaches) {
+    if (!isBounded(r) || r.isEmpty()) continue;
+    const double extent =
+        std::max(r.maxLon - r.minLon, r.northBound - r.southBound);
+    if (std::isfinite(extent)) extents.push_back(extent);
+  }
+  if (extents.empty()) return 0;
+  auto middle = extents.begin() + static_cast<long>(extents.size() / 2);
+  std::nth_element(extents.begin(), middle, extents.end());
+  return *middle;
 }
 
-// The index entries of a bounded area: its slabs where they cover clearly
-// less than its whole reach (a ring at an angle), else the one box.
-void addBoxes(const DMPointArray& ring, const CrossingReach& r,
-              std::uint32_t position, std::vector<Entry>& entries) {
-  constexpr int kSlabs = 8;
-  constexpr double kWorthIt = 0.6;  // of the whole box's area
-  const std::vector<ReachSlab> slabs = crossingSlabs(
-      ring.data(), static_cast<std::int32_t>(ring.size()), r, kSlabs);
-  double covered = 0;
-  for (const ReachSlab& s : slabs) {
-    covered += boxArea(s.west, s.east, s.south, s.north);
-  }
-  const double whole = boxArea(r.minLon, r.maxLon, r.southBound, r.northBound);
-  if (slabs.empty() || !(covered < kWorthIt * whole)) {
-    entries.emplace_back(
-        Box(Point(r.minLon, r.southBound), Point(r.maxLon, r.northBound)),
-        position);
-    return;
-  }
-  for (const ReachSlab& s : slabs) {
-    entries.emplace_back(Box(Point(s.west, s.south), Point(s.east, s.north)),
-                         position);
-  }
-}
+constexpr std::uint8_t kAllProbes = (1u << ProbeSet::kCount) - 1;
 
 }  // namespace
-
-struct ZoneIndex::Tree {
-  explicit Tree(const std::vector<Entry>& entries)
-      : rtree(entries.begin(), entries.end()) {}  // packed (bulk) load
-  bgi::rtree<Entry, bgi::quadratic<16>> rtree;
-};
 
 // Everything the O(1) check cannot see, as it was at build time.
 struct ZoneIndex::Snapshot {
@@ -136,30 +108,38 @@ void ZoneIndex::rebuild(const std::shared_ptr<DMPolygonArray>& list) {
   listSize_ = list->size();
   listBuffer_ = list->data();
   edited_ = false;
-  cacheValid_ = false;
+  recordValid_ = false;
   snapshot_.reset();
 
   reaches_.clear();
-  unbounded_.clear();
+  vertices_.clear();
+  ringStart_.assign(1, 0);
+  apart_.clear();
   meridians_.clear();
-  std::vector<Entry> entries;
-  for (std::size_t k = 0; k < list->size(); ++k) {
-    const DMPointArray* ring = ringOf((*list)[k]);
+  for (const std::shared_ptr<DMPolygon>& area : *list) {
+    const DMPointArray* ring = ringOf(area);
+    if (ring) vertices_.insert(vertices_.end(), ring->begin(), ring->end());
+    ringStart_.push_back(vertices_.size());
     reaches_.push_back(
         ring ? crossingReach(ring->data(),
                              static_cast<std::int32_t>(ring->size()))
              : CrossingReach());
-    const CrossingReach& r = reaches_.back();
+  }
+  grid_ =
+      std::make_unique<AreaGrid>(AreaGrid::shiftFor(typicalExtent(reaches_)));
+  for (std::size_t k = 0; k < list->size(); ++k) {
+    const CrossingReach& r = reaches_[k];
     if (r.isEmpty()) continue;
+    const DMPointArray& ring = *ringOf((*list)[k]);
     const auto position = static_cast<std::uint32_t>(k);
-    if (r.meridianTies) addMeridians(*ring, position);
-    if (isBounded(r)) {
-      addBoxes(*ring, r, position, entries);
-    } else {
-      unbounded_.push_back(position);
+    if (r.meridianTies) addMeridians(ring, position);
+    if (!isBounded(r) ||
+        !grid_->add(position, ring.data(),
+                    static_cast<std::int32_t>(ring.size()), r)) {
+      apart_.push_back(position);
     }
   }
-  tree_ = std::make_unique<Tree>(entries);
+  grid_->finish();
   std::sort(meridians_.begin(), meridians_.end());
 }
 
@@ -171,53 +151,100 @@ void ZoneIndex::addMeridians(const DMPointArray& ring, std::uint32_t position) {
   }
 }
 
-const std::vector<std::uint32_t>& ZoneIndex::candidates(
-    const ProbeSet& probes) {
-  if (cacheValid_ &&
-      std::memcmp(&probes, &cachedProbes_, sizeof(ProbeSet)) == 0) {
-    return found_;
+ScanRecord& ZoneIndex::recordFor(const ProbeSet& probes) {
+  if (!recordValid_ ||
+      std::memcmp(&probes, &recordProbes_, sizeof(ProbeSet)) != 0) {
+    record_.hits.clear();
+    record_.resumeAt = 0;
+    record_.complete = false;
+    recordProbes_ = probes;
+    recordValid_ = true;
   }
-  // The box around the probes; a probe with a NaN coordinate is never inside
-  // anything and is left out.
-  double south = CrossingReach::kInf, north = -CrossingReach::kInf;
-  double west = CrossingReach::kInf, east = -CrossingReach::kInf;
+  return record_;
+}
+
+void ZoneIndex::startWalk(const ProbeSet& probes, std::uint32_t from) {
+  // A probe with a NaN coordinate is never inside anything and is left out.
+  std::uint8_t usable = 0;
+  std::uint64_t cells[ProbeSet::kCount];
   for (int m = 0; m < ProbeSet::kCount; ++m) {
-    const double lat = probes.lat[m], lon = probes.lon[m];
-    if (std::isnan(lat) || std::isnan(lon)) continue;
-    south = std::min(south, lat);
-    north = std::max(north, lat);
-    west = std::min(west, lon);
-    east = std::max(east, lon);
+    if (std::isnan(probes.lat[m]) || std::isnan(probes.lon[m])) continue;
+    usable |= static_cast<std::uint8_t>(1u << m);
+    cells[m] = grid_->cellOf(probes.lat[m], probes.lon[m]);
   }
-  found_.clear();
-  if (south <= north) {
-    tree_->rtree.query(
-        bgi::intersects(Box(Point(west, south), Point(east, north))),
-        boost::iterators::make_function_output_iterator(
-            [this](const Entry& e) { found_.push_back(e.second); }));
-    // An area with several slabs can come more than once.
-    std::sort(found_.begin(), found_.end());
-    found_.erase(std::unique(found_.begin(), found_.end()), found_.end());
+  runCount_ = 0;
+  std::uint8_t placed = 0;
+  for (int m = 0; m < ProbeSet::kCount; ++m) {
+    const auto bit = static_cast<std::uint8_t>(1u << m);
+    if (!(usable & bit) || (placed & bit)) continue;
+    std::uint8_t same = 0;  // the probes that share this cell
+    for (int n = m; n < ProbeSet::kCount; ++n) {
+      if ((usable >> n & 1u) && cells[n] == cells[m]) {
+        same |= static_cast<std::uint8_t>(1u << n);
+      }
+    }
+    placed |= same;
+    const AreaGrid::Areas areas = grid_->areasIn(cells[m]);
+    const std::uint32_t* begin =
+        from == 0 ? areas.begin
+                  : std::lower_bound(areas.begin, areas.end, from);
+    if (begin != areas.end) runs_[runCount_++] = {begin, areas.end, same};
   }
-  const std::size_t sorted = found_.size();
+  addListedApart(probes, from, usable);
+}
+
+// The candidates the grid does not hold: areas listed apart, and areas
+// reached along a vertex meridian.
+void ZoneIndex::addListedApart(const ProbeSet& probes, std::uint32_t from,
+                               std::uint8_t usable) {
+  apartHits_.clear();
+  apartAt_ = 0;
+  if (apart_.empty() && meridians_.empty()) return;
+  for (auto at = std::lower_bound(apart_.begin(), apart_.end(), from);
+       at != apart_.end(); ++at) {
+    apartHits_.emplace_back(*at, usable);
+  }
   if (!meridians_.empty()) {
     for (int m = 0; m < ProbeSet::kCount; ++m) {
+      if (!(usable >> m & 1u)) continue;
       const double lon = probes.lon[m] == 0 ? 0.0 : double{probes.lon[m]};
       auto at = std::lower_bound(meridians_.begin(), meridians_.end(),
                                  std::make_pair(lon, std::uint32_t{0}));
       for (; at != meridians_.end() && at->first == lon; ++at) {
-        found_.push_back(at->second);
+        if (at->second >= from) {
+          apartHits_.emplace_back(at->second,
+                                  static_cast<std::uint8_t>(1u << m));
+        }
       }
     }
+    std::sort(apartHits_.begin(), apartHits_.end());
   }
-  found_.insert(found_.end(), unbounded_.begin(), unbounded_.end());
-  if (found_.size() != sorted) {
-    std::sort(found_.begin(), found_.end());
-    found_.erase(std::unique(found_.begin(), found_.end()), found_.end());
+}
+
+bool ZoneIndex::nextCandidate(AreaVisit& visit) {
+  std::uint32_t area = ~std::uint32_t{0};
+  for (int r = 0; r < runCount_; ++r) {
+    if (runs_[r].at != runs_[r].end) area = std::min(area, *runs_[r].at);
   }
-  cachedProbes_ = probes;
-  cacheValid_ = true;
-  return found_;
+  if (apartAt_ < apartHits_.size()) {
+    area = std::min(area, apartHits_[apartAt_].first);
+  }
+  if (area == ~std::uint32_t{0}) return false;
+  std::uint8_t probes = 0;
+  for (int r = 0; r < runCount_; ++r) {
+    if (runs_[r].at != runs_[r].end && *runs_[r].at == area) {
+      probes |= runs_[r].probes;
+      ++runs_[r].at;
+    }
+  }
+  bool apart = false;
+  for (; apartAt_ < apartHits_.size() && apartHits_[apartAt_].first == area;
+       ++apartAt_) {
+    probes |= apartHits_[apartAt_].second;
+    apart = true;
+  }
+  visit = {area, static_cast<std::uint8_t>(probes & kAllProbes), 0, 0, apart};
+  return true;
 }
 
 }  // namespace tarvo
