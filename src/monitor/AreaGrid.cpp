@@ -70,10 +70,8 @@ void AreaGrid::addColumn(std::uint32_t position, std::int32_t column,
 }
 
 void AreaGrid::finish() {
-  // Positions came in increasing order, so within a cell they stay sorted.
-  std::stable_sort(
-      pending_.begin(), pending_.end(),
-      [](const auto& a, const auto& b) { return a.first < b.first; });
+  // By cell, then by position: the list order within each cell.
+  std::sort(pending_.begin(), pending_.end());
   std::size_t cells = 0;
   for (std::size_t k = 0; k < pending_.size(); ++k) {
     cells += k == 0 || pending_[k].first != pending_[k - 1].first;
