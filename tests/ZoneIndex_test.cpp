@@ -135,6 +135,12 @@ TEST(ZoneIndex, FollowsTheListAsTheHostChangesIt) {
   probeAt(m, 1.5, 1.4);
   EXPECT_TRUE(m.processPointInPolygon()) << "a moved vertex, reported";
 
+  const std::shared_ptr<DMPolygon> a = (*list)[0];
+  (*list)[0] = nullptr;  // unreported: the index is stale, never a crash
+  m.processPointInPolygon();
+  EXPECT_EQ(std::nullopt, m.currentPolygonName()) << "read as unnamed";
+  (*list)[0] = a;
+
   setFullAreaCheck(m, true);
   (*list)[0]->setPolygonPoints(testing::box(30, 30, 31, 31));
   EXPECT_FALSE(m.processPointInPolygon()) << "full check: no notice needed";

@@ -12,8 +12,10 @@
 ///   - setPolygonPoints() on a record in the list;
 ///   - a vertex array in the list changed (vertices added, removed, moved);
 ///
-/// call polygonsEdited(monitor). Names and GUIDs are read when an area
-/// matches, so renaming needs no notice. A host that cannot tell when it
+/// call polygonsEdited(monitor). Until then the monitor evaluates the areas
+/// as they were when it built the index, of which it keeps its own copy of
+/// the vertices. Names and GUIDs are read when an area matches, so renaming
+/// needs no notice. A host that cannot tell when it
 /// edits turns on the full check instead, which costs time in proportion to
 /// all the vertices on every evaluation.
 ///

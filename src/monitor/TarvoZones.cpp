@@ -72,7 +72,13 @@ bool Tarvo::scanArea(AreaVisit& visit, ScanState& scan) {
     }
     return (visit.inside & bit) != 0;
   };
-  const auto match = [&] { recordMatch(*(*polygons_)[visit.area], scan); };
+  // A record the host replaced by null without telling the index (see
+  // AreaEdits.h) reads as an area without name or identifier.
+  const auto match = [&] {
+    static const DMPolygon kUnnamed;
+    const DMPolygon* area = (*polygons_)[visit.area].get();
+    recordMatch(area ? *area : kUnnamed, scan);
+  };
   setOnRunway(false);
 
   scan.found = inside(0);
