@@ -31,6 +31,10 @@ struct Op {
 void PrintTo(const Op& op, std::ostream* out) { *out << op.name; }
 
 std::string yesNo(bool b) { return b ? "YES" : "NO"; }
+std::string vertices(DBManager& s) {
+  return std::to_string(s.getAllPolygonPointsforPolygonID(1)->size()) +
+         " vertices";
+}
 
 const Op kOps[] = {
     {"addPolygonName",
@@ -39,8 +43,7 @@ const Op kOps[] = {
     {"addPolygonPoint",
      [](DBManager& s) {
        s.addPolygonPoint("50", "8", 1);
-       return std::to_string(s.getAllPolygonPointsforPolygonID(1)->size()) +
-              " vertices";
+       return vertices(s);
      },
      storetest::pointInsert("50", "8", 1), "0 vertices"},
     {"isPolygonGuidExist",
@@ -50,12 +53,7 @@ const Op kOps[] = {
        return std::to_string(s.getAllPolygons()->size()) + " polygons";
      },
      "", "0 polygons"},
-    {"getAllPolygonPointsforPolygonID",
-     [](DBManager& s) {
-       return std::to_string(s.getAllPolygonPointsforPolygonID(1)->size()) +
-              " vertices";
-     },
-     "", "0 vertices"},
+    {"getAllPolygonPointsforPolygonID", vertices, "", "0 vertices"},
     {"deletePointsforID",
      [](DBManager& s) { return yesNo(s.deletePointsforID(1)); }, "", "NO"},
     {"deltePolygonforID",
@@ -142,14 +140,6 @@ TEST(DBManager, GuidQueryStepFailureKeepsTheRowsReadBefore) {
   EXPECT_EQ(3, store.getPolygonIDforGUID("g1\" or abs(polygonid) or \""));
 }
 
-// Overwrites one page of a database file with bytes no page can start with.
-void damagePage(const storetest::fs::path& file, long page) {
-  std::fstream f(file, std::ios::in | std::ios::out | std::ios::binary);
-  f.seekp((page - 1) * 4096);
-  const std::string junk(4096, '\xff');
-  f.write(junk.data(), static_cast<std::streamsize>(junk.size()));
-}
-
 TEST(DBManager, ListingStepFailureKeepsTheRowsReadBefore) {
   TempDocuments docs;
   constexpr int kRows = 2000;
@@ -173,8 +163,10 @@ TEST(DBManager, ListingStepFailureKeepsTheRowsReadBefore) {
     lastPointPage = std::stol(db.rows("pragma page_count")[0]);
   }
   // The last page of each table is the leaf with its newest rows.
-  damagePage(docs.database(), lastPolygonPage);
-  damagePage(docs.database(), lastPointPage);
+  for (long page : {lastPolygonPage, lastPointPage}) {
+    storetest::overwrite(docs.database(), (page - 1) * 4096,
+                         std::string(4096, '\xff'));
+  }
 
   DBManager& store = *DBManager::getSharedInstance();
   auto polygons = store.getAllPolygons();

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -22,14 +21,11 @@ using storetest::polygonInsert;
 using storetest::TempDocuments;
 using tarvo::DBManager;
 
-// "lat,lon" for every vertex of the polygon.
-std::vector<std::string> vertices(DBManager& store, int id) {
-  std::vector<std::string> out;
+// The latitudes of the polygon's vertices, in the order the store lists them.
+std::vector<double> latitudes(DBManager& store, int id) {
+  std::vector<double> out;
   const auto points = store.getAllPolygonPointsforPolygonID(id);
-  for (const tarvo::DMPoint& p : *points) {
-    out.push_back(std::to_string(p.latitude()) + "," +
-                  std::to_string(p.longitude()));
-  }
+  for (const tarvo::DMPoint& p : *points) out.push_back(p.latitude());
   return out;
 }
 
@@ -127,30 +123,41 @@ TEST(DBManager, FailedTableCreationStillRunsTheSecondStatement) {
             log.take());
 }
 
-TEST(DBManager, InsertsLogTheirExactSql) {
+TEST(DBManager, InsertsLogTheirExactSqlAndThenAnyFailure) {
   TempDocuments docs;
   DBManager& store = *DBManager::getSharedInstance();
   LogCapture log;
   struct Case {
     const char* what;
-    std::function<void()> call;
-    std::string logged;
+    bool vertex;  // addPolygonPoint(a, b, id), else addPolygonName(a, b)
+    std::string a, b;
+    int id;             // the vertex's polygon, or the id the insert returns
+    const char* error;  // the text the statement fails near; "" for none
   };
   const Case cases[] = {
-      {"polygon", [&] { store.addPolygonName("RWY 09", "g-1"); },
-       polygonInsert("RWY 09", "g-1")},
-      {"vertex", [&] { store.addPolygonPoint("50.1", "8.25", 1); },
-       pointInsert("50.1", "8.25", 1)},
-      {"vertex of no polygon", [&] { store.addPolygonPoint("a b", "", -1); },
-       pointInsert("a b", "", -1)},
-      {"single quote is plain text",
-       [&] { store.addPolygonName("O'Hare", "g'"); },
-       polygonInsert("O'Hare", "g'")},
+      {"polygon", false, "RWY 09", "g-1", 1, ""},
+      {"vertex", true, "50.1", "8.25", 1, ""},
+      {"vertex of no polygon", true, "a b", "", -1, ""},
+      {"single quote is plain text", false, "O'Hare", "g'", 2, ""},
+      {"double quote ends the value", false, "TWY \"A\"", "g", -1, "\"A\""},
+      {"double quote in a vertex", true, "1\"", "2", 1, "\"2\""},
   };
   for (const Case& c : cases) {
-    c.call();
-    EXPECT_EQ(std::vector<std::string>{c.logged}, log.take()) << c.what;
+    SCOPED_TRACE(c.what);
+    std::vector<std::string> logged{c.vertex ? pointInsert(c.a, c.b, c.id)
+                                             : polygonInsert(c.a, c.b)};
+    if (*c.error) {
+      logged.push_back(std::string("Database returned error 1: near ") +
+                       c.error + ": syntax error");
+    }
+    if (c.vertex) {
+      store.addPolygonPoint(c.a, c.b, c.id);
+    } else {
+      EXPECT_EQ(c.id, store.addPolygonName(c.a, c.b));
+    }
+    EXPECT_EQ(logged, log.take());
   }
+  // The failed inserts stored nothing.
   Db db(docs.database());
   EXPECT_EQ((std::vector<std::string>{"1|RWY 09|g-1", "2|O'Hare|g'"}),
             db.rows("select * from polygon"));
@@ -158,7 +165,7 @@ TEST(DBManager, InsertsLogTheirExactSql) {
             db.rows("select * from polygonPoints"));
   // Listed only when asked for id -1, which no stored polygon has.
   EXPECT_EQ(1u, store.getAllPolygonPointsforPolygonID(-1)->size());
-  EXPECT_TRUE(store.getAllPolygonPointsforPolygonID(1)->size() == 1u);
+  EXPECT_EQ(1u, store.getAllPolygonPointsforPolygonID(1)->size());
 }
 
 TEST(DBManager, IdsFollowTheLargestStoredId) {
@@ -211,24 +218,6 @@ TEST(DBManager, GuidLookupsSeeTheTextAsSql) {
   }
 }
 
-TEST(DBManager, DoubleQuoteInNameFailsTheInsertAfterLoggingIt) {
-  TempDocuments docs;
-  DBManager& store = *DBManager::getSharedInstance();
-  LogCapture log;
-  EXPECT_EQ(-1, store.addPolygonName("TWY \"A\"", "g"));
-  EXPECT_EQ((std::vector<std::string>{
-                polygonInsert("TWY \"A\"", "g"),
-                "Database returned error 1: near \"A\": syntax error"}),
-            log.take());
-  store.addPolygonPoint("1\"", "2", 1);
-  EXPECT_EQ((std::vector<std::string>{
-                pointInsert("1\"", "2", 1),
-                "Database returned error 1: near \"2\": syntax error"}),
-            log.take());
-  EXPECT_TRUE(store.getAllPolygons()->empty());
-  EXPECT_TRUE(store.getAllPolygonPointsforPolygonID(1)->empty());
-}
-
 TEST(DBManager, VerticesComeBackInInsertionOrder) {
   TempDocuments docs;
   DBManager& store = *DBManager::getSharedInstance();
@@ -238,15 +227,10 @@ TEST(DBManager, VerticesComeBackInInsertionOrder) {
   const char* const lats[] = {"5", "1", "9", "3", "7", "2"};
   for (int i = 0; i < 6; ++i) store.addPolygonPoint(lats[i], "0", 1 + i % 2);
   EXPECT_TRUE(store.deletePointsforID(2));
-  for (int i = 0; i < 3; ++i) store.addPolygonPoint(lats[i], "1", 2);
+  for (int i = 0; i < 3; ++i) store.addPolygonPoint(lats[i], "0", 2);
   store.addPolygonPoint("4", "0", 1);
-  EXPECT_EQ(
-      (std::vector<std::string>{"5.000000,0.000000", "9.000000,0.000000",
-                                "7.000000,0.000000", "4.000000,0.000000"}),
-      vertices(store, 1));
-  EXPECT_EQ((std::vector<std::string>{"5.000000,1.000000", "1.000000,1.000000",
-                                      "9.000000,1.000000"}),
-            vertices(store, 2));
+  EXPECT_EQ((std::vector<double>{5, 9, 7, 4}), latitudes(store, 1));
+  EXPECT_EQ((std::vector<double>{5, 1, 9}), latitudes(store, 2));
   EXPECT_TRUE(store.getAllPolygonPointsforPolygonID(3)->empty());
   EXPECT_TRUE(store.deletePointsforID(3)) << "no such id";
   EXPECT_TRUE(store.deltePolygonforID(3)) << "no such id";

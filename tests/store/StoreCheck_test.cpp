@@ -13,6 +13,7 @@
 namespace {
 
 using storetest::Db;
+using storetest::overwrite;
 using storetest::fs::path;
 using Status = tarvo::StoreCheckReport::Status;
 using Kind = tarvo::StoreFinding::Kind;
@@ -35,12 +36,6 @@ void writeHealthyStore(const path& file, int areas = 1) {
     }
   }
   db.exec("commit");
-}
-
-void overwrite(const path& file, std::streamoff at, const std::string& bytes) {
-  std::fstream f(file, std::ios::in | std::ios::out | std::ios::binary);
-  f.seekp(at);
-  f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 std::string contents(const path& file) {

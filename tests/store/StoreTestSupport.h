@@ -11,6 +11,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -142,6 +143,14 @@ inline void createTables(Db& db) {
       "polygonguid text);"
       "create table polygonPoints (polygonid integer, latitude text, "
       "longitude text)");
+}
+
+// Writes `bytes` over a file's contents at byte offset `at`.
+inline void overwrite(const fs::path& file, std::streamoff at,
+                      const std::string& bytes) {
+  std::fstream f(file, std::ios::in | std::ios::out | std::ios::binary);
+  f.seekp(at);
+  f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 }  // namespace storetest
