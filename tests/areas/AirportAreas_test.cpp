@@ -23,7 +23,7 @@ namespace {
 const std::string kData = TARVO_DATA_DIR;
 
 struct P {
-  double x, y;  // metres east and north of kOrigin, a flat frame of its own
+  double x, y;  // metres east and north in a Flat frame
 };
 
 // Plain spherical equirectangular frame around the first point it sees:
