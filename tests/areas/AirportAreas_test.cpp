@@ -23,7 +23,7 @@ namespace {
 const std::string kData = TARVO_DATA_DIR;
 
 struct P {
-  double x, y;  // metres east and north of kOrigin, a flat frame of its own
+  double x, y;  // metres east and north in a Flat frame
 };
 
 // Plain spherical equirectangular frame around the first point it sees:
@@ -134,6 +134,29 @@ std::vector<AreaRecord> derive(const std::string& path,
   return deriveAirportAreas(readAirportSource(path, icao, {}), notes);
 }
 
+// An airport's derived areas in a flat frame of their own: the runways by
+// designator ("12R/30L"), the hold-shorts with the designator they name.
+struct Derived {
+  Flat flat;
+  std::map<std::string, std::vector<P>> runways;
+  std::vector<std::pair<std::string, std::vector<P>>> holds;
+};
+
+Derived derived(const std::string& path, const std::string& icao) {
+  Derived d;
+  for (const AreaRecord& a : derive(path, icao)) {
+    const std::size_t hold = a.name.find(" HOLD SHORT RWY ");
+    if (hold == std::string::npos) {
+      d.runways[a.name.substr(icao.size() + 5)] = ring(a.points, d.flat);
+    } else {
+      const std::string rest = a.name.substr(hold + 16);
+      d.holds.push_back(
+          {rest.substr(0, rest.find(' ')), ring(a.points, d.flat)});
+    }
+  }
+  return d;
+}
+
 TEST(AirportAreas, RunwaysCoverTheSurveyedEndsAndMatchTheSourceWidth) {
   struct Case {
     std::string path, icao;
@@ -166,46 +189,37 @@ TEST(AirportAreas, RunwaysCoverTheSurveyedEndsAndMatchTheSourceWidth) {
   };
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.path + " " + c.icao);
-    std::map<std::string, std::vector<P>> runways;
-    Flat flat;
-    for (const AreaRecord& a : derive(c.path, c.icao)) {
-      const std::string prefix = c.icao + " RWY ";
-      if (a.name.rfind(prefix, 0) == 0) {
-        runways[a.name.substr(prefix.size())] = ring(a.points, flat);
-      }
-    }
+    Derived d = derived(c.path, c.icao);
     const auto survey = ourAirports(c.icao);
     ASSERT_FALSE(survey.empty());
     for (const auto& [name, s] : survey) {
       if (name.find('H') != std::string::npos) continue;  // helicopter strips
       SCOPED_TRACE(name);
-      ASSERT_EQ(runways.count(name), 1u);
+      ASSERT_EQ(d.runways.count(name), 1u);
       // 30 m in from each surveyed threshold, along the runway.
-      const P a = flat(s.lat1, s.lon1), b = flat(s.lat2, s.lon2);
+      const P a = d.flat(s.lat1, s.lon1), b = d.flat(s.lat2, s.lon2);
       const double len = std::hypot(b.x - a.x, b.y - a.y);
       const double ux = (b.x - a.x) / len, uy = (b.y - a.y) / len;
-      const std::string end1 = name.substr(0, name.find('/'));
-      const std::string end2 = name.substr(name.find('/') + 1);
-      auto checked = [&](const std::string& end) {
-        return std::find(c.endsElsewhere.begin(), c.endsElsewhere.end(), end) ==
-               c.endsElsewhere.end();
-      };
-      if (checked(end1)) {
-        EXPECT_TRUE(inside(runways[name], {a.x + 30 * ux, a.y + 30 * uy}));
-      }
-      if (checked(end2)) {
-        EXPECT_TRUE(inside(runways[name], {b.x - 30 * ux, b.y - 30 * uy}));
+      const std::string ends[] = {name.substr(0, name.find('/')),
+                                  name.substr(name.find('/') + 1)};
+      const P in[] = {{a.x + 30 * ux, a.y + 30 * uy},
+                      {b.x - 30 * ux, b.y - 30 * uy}};
+      for (int e = 0; e < 2; ++e) {
+        if (std::count(c.endsElsewhere.begin(), c.endsElsewhere.end(),
+                       ends[e]) == 0) {
+          EXPECT_TRUE(inside(d.runways[name], in[e])) << ends[e];
+        }
       }
     }
     for (const auto& [name, s] : c.source) {
       SCOPED_TRACE("source " + name);
-      ASSERT_EQ(runways.count(name), 1u);
-      const std::vector<P>& r = runways[name];
+      ASSERT_EQ(d.runways.count(name), 1u);
+      const std::vector<P>& r = d.runways[name];
       ASSERT_EQ(r.size(), 4u);
       const double width = std::hypot(r[3].x - r[0].x, r[3].y - r[0].y);
       EXPECT_NEAR(width, s.width, 1.0);
       if (!c.compareEnds) continue;
-      const P e1 = flat(s.lat1, s.lon1), e2 = flat(s.lat2, s.lon2);
+      const P e1 = d.flat(s.lat1, s.lon1), e2 = d.flat(s.lat2, s.lon2);
       const P m1{(r[0].x + r[3].x) / 2, (r[0].y + r[3].y) / 2};
       const P m2{(r[1].x + r[2].x) / 2, (r[1].y + r[2].y) / 2};
       EXPECT_LT(std::hypot(m1.x - e1.x, m1.y - e1.y), 1.0);
@@ -256,22 +270,11 @@ TEST(AirportAreas, HoldShortAreasRunFromTheMarkingToTheirRunway) {
   };
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.icao);
-    Flat flat;
-    std::map<std::string, std::vector<P>> runways;
-    std::vector<std::pair<std::string, std::vector<P>>> holds;
-    for (const AreaRecord& a : derive(c.path, c.icao)) {
-      const std::size_t hold = a.name.find(" HOLD SHORT RWY ");
-      if (hold == std::string::npos) {
-        runways[a.name.substr(c.icao.size() + 5)] = ring(a.points, flat);
-      } else {
-        const std::string rest = a.name.substr(hold + 16);
-        holds.push_back({rest.substr(0, rest.find(' ')), ring(a.points, flat)});
-      }
-    }
-    EXPECT_GE(holds.size(), c.minimum);
-    for (const auto& [runway, poly] : holds) {
+    Derived d = derived(c.path, c.icao);
+    EXPECT_GE(d.holds.size(), c.minimum);
+    for (const auto& [runway, poly] : d.holds) {
       SCOPED_TRACE(runway);
-      ASSERT_EQ(runways.count(runway), 1u);
+      ASSERT_EQ(d.runways.count(runway), 1u);
       // Starts at a marking: apt.dat strips begin with the line's nodes,
       // OSM strips are centred on the position at their first edge.
       const P start = c.icao == "LSZH" ? P{(poly.front().x + poly.back().x) / 2,
@@ -279,7 +282,7 @@ TEST(AirportAreas, HoldShortAreasRunFromTheMarkingToTheirRunway) {
                                        : poly.front();
       double nearest = 1e18;
       for (const auto& [lat, lon] : c.markings) {
-        const P m = flat(lat, lon);
+        const P m = d.flat(lat, lon);
         nearest = std::min(nearest, std::hypot(m.x - start.x, m.y - start.y));
       }
       EXPECT_LT(nearest, 1.0);
@@ -287,11 +290,11 @@ TEST(AirportAreas, HoldShortAreasRunFromTheMarkingToTheirRunway) {
       // with the centre of its far edge (the middle of its ring).
       double touch = 1e18;
       for (const P& v : poly)
-        touch = std::min(touch, distance(runways[runway], v));
+        touch = std::min(touch, distance(d.runways[runway], v));
       const P& l = poly[poly.size() / 2 - 1];
       const P& r = poly[poly.size() / 2];
-      touch = std::min(
-          touch, distance(runways[runway], {(l.x + r.x) / 2, (l.y + r.y) / 2}));
+      touch = std::min(touch, distance(d.runways[runway],
+                                       {(l.x + r.x) / 2, (l.y + r.y) / 2}));
       EXPECT_LT(touch, 1.0);
     }
   }

@@ -1,25 +1,33 @@
 #!/usr/bin/env bash
-# Runs one command and checks its exit status and output.
+# Checks commands' exit status and output.
 # Usage: expect.sh [--fresh DIR] STATUS PATTERN -- COMMAND [ARGS...]
 #   --fresh DIR  delete DIR first (a test's own store directory)
-#   STATUS       the exit status wanted, or "fail" for any non-zero status
-#   PATTERN      extended regular expression the combined stdout and stderr
-#                must match
+# Sourced by the scenario scripts for `check` and `fail`, which count
+# failures in $failures.
+# check STATUS PATTERN... -- COMMAND...: COMMAND must exit with STATUS ("fail":
+# any non-zero) and its combined stdout and stderr match every PATTERN
+# (extended regular expressions, each matched line by line).
 set -uo pipefail
+failures=0
+fail() { echo "FAIL: $*"; ((failures++)); }
+check() {
+  local want="$1" patterns=() output status pattern
+  shift
+  while [[ "$1" != -- ]]; do patterns+=("$1"); shift; done
+  shift
+  output=$("$@" 2>&1); status=$?
+  printf '$ %s\n%s\n' "${*##*/}" "$output"
+  if [[ "$want" == fail && $status -eq 0 ]] ||
+     [[ "$want" != fail && $status -ne $want ]]; then
+    fail "exit status $status, wanted $want"
+  fi
+  for pattern in "${patterns[@]}"; do
+    grep -Eq -- "$pattern" <<<"$output" || fail "output does not match: $pattern"
+  done
+}
 
-if [[ "$1" == "--fresh" ]]; then rm -rf "$2"; mkdir -p "$2"; shift 2; fi
-want_status="$1" pattern="$2"
-shift 2
-[[ "$1" == "--" ]] && shift
-
-output=$("$@" 2>&1)
-status=$?
-printf '%s\n' "$output"
-if [[ "$want_status" == fail ]]; then
-  if ((status == 0)); then echo "FAIL: exit status 0, wanted non-zero"; exit 1; fi
-elif ((status != want_status)); then
-  echo "FAIL: exit status $status, wanted $want_status"; exit 1
-fi
-if ! grep -Eq -- "$pattern" <<<"$output"; then
-  echo "FAIL: output does not match: $pattern"; exit 1
+if [[ "${BASH_SOURCE[0]}" == "$0" ]]; then
+  if [[ "$1" == "--fresh" ]]; then rm -rf "$2"; mkdir -p "$2"; shift 2; fi
+  check "$@"
+  exit $((failures > 0))
 fi

@@ -8,8 +8,7 @@
 set -uo pipefail
 tool="$1" data="$2" work="$3/gdal_formats"
 rm -rf "$work" && mkdir -p "$work"
-failures=0
-fail() { echo "FAIL: $*"; ((failures++)); }
+source "$(dirname "$0")/expect.sh"
 
 # The source: runways get a name and GUID by the README's rule; the
 # hold-short polygons have theirs.
@@ -69,63 +68,55 @@ for row in "${formats[@]}"; do
   echo "ok: $driver $ext $options"
 done
 
-# check STATUS PATTERN COMMAND...: exit status and the output (the pattern
-# may span lines).
-check() {
-  local want="$1" pattern="$2"; shift 2
-  local out status
-  out=$("$@" 2>&1); status=$?
-  [[ $status -eq $want ]] || fail "exit $status, wanted $want: $*: $out"
-  grep -Ezq -- "$pattern" <<<"$out" || fail "no '$pattern' in: $out"
-}
-check 0 '55 areas, 55 added' \
+check 0 '55 areas, 55 added' -- \
   "$tool" import "$src" --data-dir "$work/where" --where "name LIKE '%HOLD SHORT%'"
-check 2 "unknown area format 'shapefile'" \
+check 2 "unknown area format 'shapefile'" -- \
   "$tool" import "$src" --data-dir "$work/where" --format shapefile
-check 1 "source.geojson: where: GDAL refused the filter" \
+check 1 "source.geojson: where: GDAL refused the filter" -- \
   "$tool" import "$src" --data-dir "$work/where" --where "no_such_field = 1"
 
 printf '%s' '{"type":"FeatureCollection","features":[
 {"type":"Feature","properties":{"name":"A","guid":"a"},"geometry":{"type":"Polygon","coordinates":[[[1,1],[2,1],[2,2],[1,1]]]}},
 {"type":"Feature","properties":{"name":"Ring","guid":"r"},"geometry":{"type":"Polygon","coordinates":[[[1,1],[2,1],[2,2],[1,1]],[[1.6,1.2],[1.8,1.2],[1.8,1.4],[1.6,1.2]]]}}]}' \
   > "$work/hole.geojson"
-check 1 "hole.geojson: geometry: feature #2 'Ring': the polygon has 1 hole" \
+check 1 "hole.geojson: geometry: feature #2 'Ring': the polygon has 1 hole" -- \
   "$tool" import "$work/hole.geojson" --data-dir "$work/hole"
 
 # The shipped file as it is: 64 lines (centrelines and hold lines) skipped;
 # without names for the runways, their kind names them.
 lines=$(python3 -c "import json,sys; print(sum(f['geometry']['type'] == 'LineString' for f in json.load(open(sys.argv[1]))['features']))" \
   "$data/airport-aptdat-flightgear/KMSP.geojson")
-check 0 "skipped $lines lines, 0 points" \
+check 0 "skipped $lines lines, 0 points" -- \
   "$tool" import "$data/airport-aptdat-flightgear/KMSP.geojson" --data-dir "$work/lines" --name-property kind
 ogr2ogr -f GPKG "$work/lines.gpkg" "$data/airport-aptdat-flightgear/KMSP.geojson" -where "kind = 'hold_line'"
-check 1 "lines.gpkg: holds no areas .*60 here" \
+check 1 "lines.gpkg: holds no areas .*60 here" -- \
   "$tool" import "$work/lines.gpkg" --data-dir "$work/lines2"
 
 # Derivation: a dry run stores nothing; the same source keeps its GUIDs, so
 # a second import replaces every area; an export reads back the same.
 apt="$data/airport-aptdat-flightgear/KMSP.apt.dat"
-check 0 "KMSP-HS-17-35-01	hold-short	4 vertices	KMSP HOLD SHORT RWY 17/35 #01.*Would import 59 areas .*\(4 hazard, 55 hold-short\); the store was not touched" \
+check 0 "KMSP-HS-17-35-01	hold-short	4 vertices	KMSP HOLD SHORT RWY 17/35 #01" \
+  "Would import 59 areas .*\(4 hazard, 55 hold-short\); the store was not touched" -- \
   "$tool" import "$apt" --airport KMSP --dry-run --data-dir "$work/derived"
 [[ ! -e "$work/derived" ]] || fail "--dry-run created $work/derived"
-check 0 "59 areas, 59 added" "$tool" import "$apt" --airport kmsp --data-dir "$work/derived"
-check 0 "59 areas, 0 added, 59 replaced" \
+check 0 "59 areas, 59 added" -- "$tool" import "$apt" --airport kmsp --data-dir "$work/derived"
+check 0 "59 areas, 0 added, 59 replaced" -- \
   "$tool" import "$apt" --airport KMSP --data-dir "$work/derived" --replace
-check 0 "Exported 59 areas .* \(GPKG\)" \
+check 0 "Exported 59 areas .* \(GPKG\)" -- \
   "$tool" export "$work/derived.gpkg" --format GPKG --data-dir "$work/derived"
-check 0 "59 areas, 59 added" \
+check 0 "59 areas, 59 added" -- \
   "$tool" import "$work/derived.gpkg" --data-dir "$work/reread" --id-property guid
 # The store numbers its rows itself: ids are left out of the comparison.
 "$tool" list --json --data-dir "$work/derived" | jq -c 'del(.id)' > "$work/derived.jsonl"
 "$tool" list --json --data-dir "$work/reread" | jq -c 'del(.id)' > "$work/reread.jsonl"
 cmp -s "$work/derived.jsonl" "$work/reread.jsonl" || fail "the exported areas read back differently"
-check 1 "derived.gpkg: the file exists" \
+check 1 "derived.gpkg: the file exists" -- \
   "$tool" export "$work/derived.gpkg" --data-dir "$work/derived"
-check 0 "has no hold-short positions" \
+check 0 "has no hold-short positions" -- \
   "$tool" import "$data/ourairports-runways/runways-subset.csv" --airport KSFO --dry-run
-check 2 "--where reads GIS files; it does not apply with --airport" \
+check 2 "--where reads GIS files; it does not apply with --airport" -- \
   "$tool" import "$apt" --airport KMSP --where "a = 1"
-check 1 "no airport KXYZ in the file \(it has KMSP\)" \
+check 1 "no airport KXYZ in the file \(it has KMSP\)" -- \
   "$tool" import "$apt" --airport KXYZ --data-dir "$work/derived"
 
 ((failures == 0)) && echo "all GDAL format checks passed"

@@ -6,22 +6,8 @@ scenario="$1" tool="$2" data="$3" fixtures="$4" work="$5/$1"
 rm -rf "$work" && mkdir -p "$work"
 store=(--data-dir "$work/store")
 areas="$data/airport-aptdat-flightgear/KMSP-areas.tsv"
-failures=0
-
-# check STATUS PATTERN -- COMMAND...: like expect.sh, counting failures.
-check() {
-  local want="$1" pattern="$2"; shift 3
-  local output status
-  output=$("$@" 2>&1); status=$?
-  printf '$ %s\n%s\n' "${*##*/}" "$output"
-  if [[ "$want" == fail && $status -eq 0 ]] ||
-     [[ "$want" != fail && $status -ne $want ]]; then
-    echo "FAIL: exit status $status, wanted $want"; ((failures++))
-  fi
-  if ! grep -Eq -- "$pattern" <<<"$output"; then
-    echo "FAIL: output does not match: $pattern"; ((failures++))
-  fi
-}
+track="$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv"
+source "$(dirname "$0")/expect.sh"
 
 case "$scenario" in
   import_twice)
@@ -39,9 +25,7 @@ case "$scenario" in
       check fail "$bad:[0-9]+: " -- "$tool" import "$fixtures/$bad" "${store[@]}" --replace
     done
     "$tool" list "${store[@]}" --json > "$work/after.txt"
-    if ! diff "$work/before.txt" "$work/after.txt"; then
-      echo "FAIL: the store changed"; ((failures++))
-    fi
+    diff "$work/before.txt" "$work/after.txt" || fail "the store changed"
     check 0 '^2 areas in' -- "$tool" list "${store[@]}"
     ;;
   remove_and_clear)
@@ -57,34 +41,35 @@ case "$scenario" in
     # leaves the file as it was.
     "$tool" import "$areas" "${store[@]}" > /dev/null
     good="$work/store/Polygon.db"
-    track="$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv"
     where=(--where segment=KMSP-4-taxi-out-takeoff)
-    make_store() {  # make_store KIND DIR: a copy of the good store, spoilt
-      mkdir -p "$2"; cp "$good" "$2/Polygon.db"; local db="$2/Polygon.db"
+    # spoil KIND DB: spoils DB, a copy of the good store, and sets `reason`
+    # to what every command must say of it.
+    spoil() {
       case "$1" in
-        damaged_pages) dd if=/dev/urandom of="$db" bs=4096 seek=3 count=1 conv=notrunc status=none ;;
-        damaged_header) printf 'XXXXXXXXXXXXXXXX' | dd of="$db" conv=notrunc status=none ;;
-        truncated) truncate -s 5000 "$db" ;;
-        not_a_database) echo "hello" > "$db" ;;
-        directory) rm "$db"; mkdir "$db" ;;
-        half_written) sqlite3 "$db" "delete from polygonPoints where rowid in (select rowid from polygonPoints where polygonid = 3 limit 2)" ;;
-        misread_guid) sqlite3 "$db" "update polygon set polygonguid = 'PolygonGuid' where polygonid = 5" ;;
+        damaged_pages) reason='is damaged'
+          dd if=/dev/urandom of="$2" bs=4096 seek=3 count=1 conv=notrunc status=none ;;
+        damaged_header) reason='file is not a database \(SQLite code 26\)'
+          printf 'XXXXXXXXXXXXXXXX' | dd of="$2" conv=notrunc status=none ;;
+        truncated) reason='is damaged'; truncate -s 5000 "$2" ;;
+        not_a_database) reason='file is not a database'; echo "hello" > "$2" ;;
+        directory) reason='it is a directory'; rm "$2"; mkdir "$2" ;;
+        half_written) reason='area #3 .* has 2 vertices'
+          sqlite3 "$2" "delete from polygonPoints where rowid in (select rowid from polygonPoints where polygonid = 3 limit 2)" ;;
+        misread_guid) reason='area #5: its GUID is a column name'
+          sqlite3 "$2" "update polygon set polygonguid = 'PolygonGuid' where polygonid = 5" ;;
       esac
     }
-    declare -A reason=(
-      [damaged_pages]='is damaged' [damaged_header]='file is not a database \(SQLite code 26\)'
-      [truncated]='is damaged' [not_a_database]='file is not a database'
-      [directory]='it is a directory' [half_written]='area #3 .* has 2 vertices'
-      [misread_guid]='area #5: its GUID is a column name')
-    for kind in "${!reason[@]}"; do
-      dir="$work/$kind"; make_store "$kind" "$dir"
+    for kind in damaged_pages damaged_header truncated not_a_database directory \
+        half_written misread_guid; do
+      dir="$work/$kind"; mkdir -p "$dir"; cp "$good" "$dir/Polygon.db"
+      spoil "$kind" "$dir/Polygon.db"
       before=$(find "$dir" -type f -exec sha256sum {} + | sort)
-      check 1 "${reason[$kind]}" -- "$tool" list --data-dir "$dir"
-      check 1 "${reason[$kind]}" -- "$tool" replay "$track" "${where[@]}" --data-dir "$dir"
-      check 1 "${reason[$kind]}" -- "$tool" import "$areas" --replace --data-dir "$dir"
-      check 1 "${reason[$kind]}" -- "$tool" clear --data-dir "$dir"
+      check 1 "$reason" -- "$tool" list --data-dir "$dir"
+      check 1 "$reason" -- "$tool" replay "$track" "${where[@]}" --data-dir "$dir"
+      check 1 "$reason" -- "$tool" import "$areas" --replace --data-dir "$dir"
+      check 1 "$reason" -- "$tool" clear --data-dir "$dir"
       after=$(find "$dir" -type f -exec sha256sum {} + | sort)
-      [[ "$before" == "$after" ]] || { echo "FAIL: $kind: the store changed"; ((failures++)); }
+      [[ "$before" == "$after" ]] || fail "$kind: the store changed"
     done
     # A lock held by another program: reported as such, after a short wait.
     sqlite3 "$good" "BEGIN EXCLUSIVE; DELETE FROM polygonPoints;" ".shell sleep 5" "ROLLBACK;" &
@@ -107,11 +92,10 @@ case "$scenario" in
     ;;
   empty_results)
     # Nothing to warn about is said, and is not a success.
-    track="$data/adsb-tracks-kmsp-readsb/kmsp-kden-tracks.csv"
     check 1 'no areas are stored in .*tarvo import' -- "$tool" replay "$track" --where segment=KMSP-1-landing-taxi-in "${store[@]}"
     check 0 'there is no store at .* yet' -- "$tool" list "${store[@]}"
     check 1 'there is no store at .*; no area was removed' -- "$tool" remove A "${store[@]}"
-    [[ ! -e "$work/store/Polygon.db" ]] || { echo "FAIL: list or remove created a store"; ((failures++)); }
+    [[ ! -e "$work/store/Polygon.db" ]] || fail "list or remove created a store"
     "$tool" import "$areas" "${store[@]}" > /dev/null
     check 1 'kmsp-kden-tracks.csv: --where: no row has segment=NOPE' -- "$tool" replay "$track" --where segment=NOPE "${store[@]}"
     printf 'latitude,longitude,ground_speed_kmh,track_deg_true\n' > "$work/empty.csv"
@@ -139,7 +123,7 @@ case "$scenario" in
       for (v = 0; v < 10; v++) printf "%s%.6f,%.6f", v ? " " : "", 8 + v / 1000, 47 + (v % 3) / 1000
       print "" } }' > "$work/big.tsv"
     check 1 'did not take the areas .*database or disk is full \(SQLite code 13\)\. Nothing was imported' -- "$tool" import "$work/big.tsv" "${disk[@]}"
-    [[ "$before" == "$(sha256sum "$work/disk/Polygon.db")" ]] || { echo "FAIL: the store changed"; ((failures++)); }
+    [[ "$before" == "$(sha256sum "$work/disk/Polygon.db")" ]] || fail "the store changed"
     check 0 '^2 areas in' -- "$tool" list "${disk[@]}"
     # The same store on a file system mounted read-only: readable, and every
     # write refused before it starts (root may ignore file permissions, a

@@ -11,53 +11,36 @@
 namespace tarvo::cli {
 namespace {
 
-// A pipe whose write end the test holds, read by a TrackStream through
-// /dev/fd, so that each line is read before the next is written.
-class Pipe {
- public:
-  Pipe() {
-    if (pipe(fds_) != 0) ADD_FAILURE() << "pipe() failed";
-  }
-  ~Pipe() {
-    close(fds_[0]);
-    if (fds_[1] >= 0) close(fds_[1]);
-  }
-  std::string readPath() const { return "/dev/fd/" + std::to_string(fds_[0]); }
-  void write(const std::string& text) {
-    ASSERT_EQ(static_cast<ssize_t>(text.size()),
-              ::write(fds_[1], text.data(), text.size()));
-  }
-  void closeWriter() {
-    close(fds_[1]);
-    fds_[1] = -1;
-  }
-
- private:
-  int fds_[2] = {-1, -1};
-};
-
 struct Step {
   const char* line;
   std::size_t fixesAfter;    // fixes read in all once this line is read
   std::size_t skippedAfter;  // records skipped in all
 };
 
-// Each line is written, then read: the fixes and skipped records counted so
-// far must already include it. The end of the pipe ends the read.
+// Each line is written into a pipe, then read through /dev/fd: the fixes
+// and skipped records counted so far must already include it. The end of
+// the pipe ends the read.
 void play(const std::vector<Step>& steps) {
-  Pipe pipe;
-  ASSERT_TRUE(isStreamPath(pipe.readPath()));
-  TrackStream stream(pipe.readPath(), TrackReadOptions{});
-  std::vector<TrackFix> fixes;
-  std::vector<SkippedFix> skipped;
-  for (const Step& s : steps) {
-    pipe.write(std::string(s.line) + "\r\n");
-    ASSERT_TRUE(stream.next(fixes, skipped)) << s.line;
-    EXPECT_EQ(s.fixesAfter, fixes.size()) << s.line;
-    EXPECT_EQ(s.skippedAfter, skipped.size()) << s.line;
+  int fds[2];
+  ASSERT_EQ(pipe(fds), 0);
+  const std::string path = "/dev/fd/" + std::to_string(fds[0]);
+  ASSERT_TRUE(isStreamPath(path));
+  {
+    TrackStream stream(path, TrackReadOptions{});
+    std::vector<TrackFix> fixes;
+    std::vector<SkippedFix> skipped;
+    for (const Step& s : steps) {
+      const std::string text = std::string(s.line) + "\r\n";
+      ASSERT_EQ(write(fds[1], text.data(), text.size()),
+                static_cast<ssize_t>(text.size()));
+      ASSERT_TRUE(stream.next(fixes, skipped)) << s.line;
+      EXPECT_EQ(s.fixesAfter, fixes.size()) << s.line;
+      EXPECT_EQ(s.skippedAfter, skipped.size()) << s.line;
+    }
+    close(fds[1]);
+    EXPECT_FALSE(stream.next(fixes, skipped));
   }
-  pipe.closeWriter();
-  EXPECT_FALSE(stream.next(fixes, skipped));
+  close(fds[0]);
 }
 
 // A bad NMEA sentence (wrong checksum, or no sentence at all) and a CSV row
