@@ -61,23 +61,22 @@ TEST(Alerts, OneCyclePerCaseOfTheAlertTable) {
     int playsAfterTasks;
     OptionalString lastAfter;
   };
+  const OptionalString none, R = kRunway, B = kOtherRunway, H = kHoldShort,
+                             E = std::string();
+  // clang-format off
   const Case cases[] = {
-      {"A: same area, silent", kRunway, false, true, 0, -1, 0, 0, kRunway},
-      {"A: same area, playing", kRunway, true, true, 0, -1, 0, 0, kRunway},
-      {"B: first entry, runway", std::nullopt, false, true, 0, 2, 1, 1,
-       kRunway},
-      {"B: new area, runway", kOtherRunway, false, true, 0, 2, 1, 1, kRunway},
-      {"C: first entry, hold-short", std::nullopt, false, true, 1, 1, 1, 1,
-       kHoldShort},
-      {"C: after a runway", kRunway, false, true, 1, 1, 1, 1, kHoldShort},
-      {"D: new area while playing", kOtherRunway, true, true, 0, -1, 0, 0,
-       kRunway},
-      {"E: outside, silent", kRunway, false, true, -1, -1, 0, 0, std::string()},
-      {"E: outside, stop takes effect", kRunway, true, true, -1, -1, 0, 0,
-       std::string()},
-      {"F: outside, stop lags", kRunway, true, false, -1, -1, 1, 0,
-       std::string()},
+      {"A: same area, silent",          R,    false, true,  0, -1, 0, 0, R},
+      {"A: same area, playing",         R,    true,  true,  0, -1, 0, 0, R},
+      {"B: first entry, runway",        none, false, true,  0,  2, 1, 1, R},
+      {"B: new area, runway",           B,    false, true,  0,  2, 1, 1, R},
+      {"C: first entry, hold-short",    none, false, true,  1,  1, 1, 1, H},
+      {"C: after a runway",             R,    false, true,  1,  1, 1, 1, H},
+      {"D: new area while playing",     B,    true,  true,  0, -1, 0, 0, R},
+      {"E: outside, silent",            R,    false, true, -1, -1, 0, 0, E},
+      {"E: outside, stop takes effect", R,    true,  true, -1, -1, 0, 0, E},
+      {"F: outside, stop lags",         R,    true,  false, -1, -1, 1, 0, E},
   };
+  // clang-format on
   for (const Case& c : cases) {
     Rig rig({kRunway, kHoldShort});
     rig.monitor->setLastPolygonName(c.lastName);
@@ -92,11 +91,9 @@ TEST(Alerts, OneCyclePerCaseOfTheAlertTable) {
     ASSERT_EQ(1u, rig.delegate->notices.size()) << c.what;
     const Notice& n = rig.delegate->notices[0];
     if (c.area >= 0) {
-      const std::string name = c.area == 0 ? kRunway : kHoldShort;
-      const bool onRunway = c.area == 0;
-      EXPECT_EQ(
-          testing::occurred(name, "guid-" + std::to_string(c.area), onRunway),
-          n)
+      EXPECT_EQ(testing::occurred(c.lastAfter, "guid-" + std::to_string(c.area),
+                                  c.area == 0),
+                n)
           << c.what;
       EXPECT_EQ(0, rig.player->stops) << c.what;
     } else {
@@ -122,19 +119,19 @@ TEST(Alerts, EnterStayLeaveAndReenter) {
     rig.executor->runAll();
     rig.player->tick();
   }
+  const Notice in = testing::occurred(kRunway, "guid-0", true);
+  // The identifier is never reset.
   const std::vector<Notice> expected = {
-      testing::occurred(kRunway, "guid-0", true),
-      testing::occurred(kRunway, "guid-0", true),
-      testing::occurred(kRunway, "guid-0", true),
+      in,
+      in,
+      in,
       testing::removed(kRunway, "guid-0"),
-      testing::removed(std::string(),
-                       "guid-0"),  // the identifier is never reset
-      testing::occurred(kRunway, "guid-0", true),
-  };
-  EXPECT_EQ(expected, rig.delegate->notices)
-      << testing::describe(rig.delegate->notices);
-  EXPECT_EQ((std::vector<int>{2, 2}),
-            rig.player->loopsAtPlay);  // entry and re-entry
+      testing::removed(std::string(), "guid-0"),
+      in};
+  EXPECT_EQ(testing::describe(expected),
+            testing::describe(rig.delegate->notices));
+  // Entry and re-entry.
+  EXPECT_EQ((std::vector<int>{2, 2}), rig.player->loopsAtPlay);
 }
 
 TEST(Alerts, AnotherAreaWhilePlayingGetsNoSoundOfItsOwn) {
@@ -157,9 +154,7 @@ TEST(Alerts, SameNameOrEmptyNameIsNoChangeOfArea) {
     Rig rig({kRunway, kRunway});
     rig.fixIn(0);
     rig.executor->runAll();
-    rig.player->tick();
-    rig.player->tick();
-    rig.player->tick();  // silent again
+    for (int i = 0; i < 3; ++i) rig.player->tick();  // silent again
     rig.fixIn(1);
     EXPECT_TRUE(rig.executor->tasks.empty()) << "two areas of one name";
     EXPECT_EQ(testing::occurred(kRunway, "guid-1", true),
