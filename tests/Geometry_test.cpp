@@ -147,6 +147,11 @@ TEST(PointInPolygon, WorkedExampleBoundaryAndDegenerateCases) {
       {1.0, 1.0}, {1.0, 2.0}, {2.0, 2.0}, {2.0, 1.0}, {1.0, 1.0}};
   static const DMPointArray kAcross = {
       {0.0, 179.0}, {0.0, -179.0}, {1.0, -179.0}, {1.0, 179.0}};
+  // The square again with two more vertices on each side: rings of more
+  // than eight vertices take the general loop.
+  static const DMPointArray kTwelve = {
+      {1.0, 1.0}, {1.0, 1.3}, {1.0, 1.7}, {1.0, 2.0}, {1.3, 2.0}, {1.7, 2.0},
+      {2.0, 2.0}, {2.0, 1.7}, {2.0, 1.3}, {2.0, 1.0}, {1.7, 1.0}, {1.3, 1.0}};
   static const DMPointArray kNaNVertex = {
       {1.0, 1.0}, {kNaN, 2.0}, {2.0, 2.0}, {2.0, 1.0}};
   const Case cases[] = {
@@ -161,6 +166,10 @@ TEST(PointInPolygon, WorkedExampleBoundaryAndDegenerateCases) {
       {"square western edge", kSquare, 1.5, 1.0, false},
       {"square eastern edge", kSquare, 1.5, 2.0, false},
       {"square outside", kSquare, 0.5, 1.5, false},
+      {"twelve vertices: centre", kTwelve, 1.5, 1.5, true},
+      {"twelve vertices: southern edge", kTwelve, 1.0, 1.5, true},
+      {"twelve vertices: northern edge", kTwelve, 2.0, 1.5, false},
+      {"twelve vertices: eastern edge", kTwelve, 1.5, 2.0, false},
       {"closing vertex repeated: centre", kClosed, 1.5, 1.5, true},
       {"closing vertex repeated: south edge", kClosed, 1.0, 1.5, true},
       {"closing vertex repeated: north edge", kClosed, 2.0, 1.5, false},
