@@ -95,25 +95,6 @@ TEST_F(SoundPlayerTest, EachPlayIsHeardOnceMoreThanItsLoops) {
   }
 }
 
-TEST_F(SoundPlayerTest, StopSilencesAtOnceAndStaysStopped) {
-  auto player = tarvo::makeSoundPlayer(chimePath());
-  ASSERT_NE(nullptr, player);
-  player->setNumberOfLoops(2);
-  ASSERT_TRUE(player->play());
-  // Stop while the first chime is being written.
-  ASSERT_TRUE(waitUntil([&] { return !findBursts(output_).empty(); }));
-  player->stop();
-  EXPECT_FALSE(player->isPlaying());
-  const std::size_t stoppedAt = framesWritten(output_);
-
-  const std::vector<Burst> bursts = burstsWhenSilent(*player, 0);
-  ASSERT_EQ(1u, bursts.size());
-  // What was mixed before the stop may still follow: the stream's buffer and
-  // two mixer periods, about 70 ms. A chime that ran on would be 0.5 s.
-  EXPECT_LT(bursts[0].end, stoppedAt + kRateHz / 10);
-  EXPECT_FALSE(player->isPlaying());
-}
-
 TEST_F(SoundPlayerTest, PlayersShareTheOutputWithoutDisturbingEachOther) {
   auto first = tarvo::makeSoundPlayer(chimePath());
   auto second = tarvo::makeSoundPlayer(chimePath());
