@@ -55,31 +55,33 @@ TEST(Alerts, OneCyclePerCaseOfTheAlertTable) {
     OptionalString lastName;
     bool playing;
     bool stopTakesEffect;
-    int area;      // 0: kRunway, 1: kHoldShort, -1: outside
+    int area;      // 0: kRunway, 1: kHoldShort, 2: named "", -1: outside
     int loopsSet;  // -1: not set
     std::size_t tasks;
     int playsAfterTasks;
     OptionalString lastAfter;
   };
+  const OptionalString none, R = kRunway, B = kOtherRunway, H = kHoldShort,
+                             E = std::string();
+  // clang-format off
   const Case cases[] = {
-      {"A: same area, silent", kRunway, false, true, 0, -1, 0, 0, kRunway},
-      {"A: same area, playing", kRunway, true, true, 0, -1, 0, 0, kRunway},
-      {"B: first entry, runway", std::nullopt, false, true, 0, 2, 1, 1,
-       kRunway},
-      {"B: new area, runway", kOtherRunway, false, true, 0, 2, 1, 1, kRunway},
-      {"C: first entry, hold-short", std::nullopt, false, true, 1, 1, 1, 1,
-       kHoldShort},
-      {"C: after a runway", kRunway, false, true, 1, 1, 1, 1, kHoldShort},
-      {"D: new area while playing", kOtherRunway, true, true, 0, -1, 0, 0,
-       kRunway},
-      {"E: outside, silent", kRunway, false, true, -1, -1, 0, 0, std::string()},
-      {"E: outside, stop takes effect", kRunway, true, true, -1, -1, 0, 0,
-       std::string()},
-      {"F: outside, stop lags", kRunway, true, false, -1, -1, 1, 0,
-       std::string()},
+      {"A: same area, silent",          R,    false, true,  0, -1, 0, 0, R},
+      {"A: same area, playing",         R,    true,  true,  0, -1, 0, 0, R},
+      {"A: \"\" after an exit",         E,    false, true,  2, -1, 0, 0, E},
+      {"B: first entry, runway",        none, false, true,  0,  2, 1, 1, R},
+      {"B: new area, runway",           B,    false, true,  0,  2, 1, 1, R},
+      {"B: entry after an exit",        E,    false, true,  0,  2, 1, 1, R},
+      {"C: first entry, hold-short",    none, false, true,  1,  1, 1, 1, H},
+      {"C: after a runway",             R,    false, true,  1,  1, 1, 1, H},
+      {"D: new area while playing",     B,    true,  true,  0, -1, 0, 0, R},
+      {"E: outside, silent",            R,    false, true, -1, -1, 0, 0, E},
+      {"E: outside, stop takes effect", R,    true,  true, -1, -1, 0, 0, E},
+      {"E: outside again",              E,    false, true, -1, -1, 0, 0, E},
+      {"F: outside, stop lags",         R,    true,  false, -1, -1, 1, 0, E},
   };
+  // clang-format on
   for (const Case& c : cases) {
-    Rig rig({kRunway, kHoldShort});
+    Rig rig({kRunway, kHoldShort, std::string()});
     rig.monitor->setLastPolygonName(c.lastName);
     rig.monitor->setCurrentPolygonGuid(std::string("guid-before"));
     rig.player->stopTakesEffect = c.stopTakesEffect;
@@ -92,11 +94,9 @@ TEST(Alerts, OneCyclePerCaseOfTheAlertTable) {
     ASSERT_EQ(1u, rig.delegate->notices.size()) << c.what;
     const Notice& n = rig.delegate->notices[0];
     if (c.area >= 0) {
-      const std::string name = c.area == 0 ? kRunway : kHoldShort;
-      const bool onRunway = c.area == 0;
-      EXPECT_EQ(
-          testing::occurred(name, "guid-" + std::to_string(c.area), onRunway),
-          n)
+      EXPECT_EQ(testing::occurred(c.lastAfter, "guid-" + std::to_string(c.area),
+                                  c.area != 1),
+                n)
           << c.what;
       EXPECT_EQ(0, rig.player->stops) << c.what;
     } else {
@@ -112,66 +112,6 @@ TEST(Alerts, OneCyclePerCaseOfTheAlertTable) {
     rig.executor->runAll();
     EXPECT_EQ(c.playsAfterTasks, rig.player->plays) << c.what;
     EXPECT_EQ(stopsBefore, rig.player->stops) << c.what;
-  }
-}
-
-TEST(Alerts, EnterStayLeaveAndReenter) {
-  Rig rig({kRunway});
-  for (int k : {0, 0, 0, -1, -1, 0}) {
-    rig.fixIn(k);
-    rig.executor->runAll();
-    rig.player->tick();
-  }
-  const std::vector<Notice> expected = {
-      testing::occurred(kRunway, "guid-0", true),
-      testing::occurred(kRunway, "guid-0", true),
-      testing::occurred(kRunway, "guid-0", true),
-      testing::removed(kRunway, "guid-0"),
-      testing::removed(std::string(),
-                       "guid-0"),  // the identifier is never reset
-      testing::occurred(kRunway, "guid-0", true),
-  };
-  EXPECT_EQ(expected, rig.delegate->notices)
-      << testing::describe(rig.delegate->notices);
-  EXPECT_EQ((std::vector<int>{2, 2}),
-            rig.player->loopsAtPlay);  // entry and re-entry
-}
-
-TEST(Alerts, AnotherAreaWhilePlayingGetsNoSoundOfItsOwn) {
-  Rig rig({kRunway, kOtherRunway});
-  rig.fixIn(0);
-  rig.executor->runAll();  // the runway's sound plays for 3 ticks
-  for (int i = 0; i < 6; ++i) {
-    rig.fixIn(1);
-    rig.executor->runAll();
-    rig.player->tick();
-  }
-  EXPECT_EQ(1, rig.player->plays);
-  EXPECT_EQ(kOtherRunway, rig.monitor->lastPolygonName());
-  EXPECT_EQ(testing::occurred(kOtherRunway, "guid-1", true),
-            rig.delegate->notices.back());
-}
-
-TEST(Alerts, SameNameOrEmptyNameIsNoChangeOfArea) {
-  {
-    Rig rig({kRunway, kRunway});
-    rig.fixIn(0);
-    rig.executor->runAll();
-    rig.player->tick();
-    rig.player->tick();
-    rig.player->tick();  // silent again
-    rig.fixIn(1);
-    EXPECT_TRUE(rig.executor->tasks.empty()) << "two areas of one name";
-    EXPECT_EQ(testing::occurred(kRunway, "guid-1", true),
-              rig.delegate->notices.back());
-  }
-  {
-    Rig rig({std::string()});
-    rig.fixIn(-1);
-    rig.fixIn(0);  // "" after a fix outside equals the emptied last name
-    EXPECT_TRUE(rig.executor->tasks.empty()) << "empty name";
-    EXPECT_EQ(testing::occurred(std::string(), "guid-0", true),
-              rig.delegate->notices.back());
   }
 }
 

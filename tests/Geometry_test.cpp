@@ -61,56 +61,57 @@ TEST(Version, SymbolsHoldTheirExactBytes) {
   EXPECT_EQ(1.0, TarvoFrameworkVersionNumber);
 }
 
-struct Expected {
-  double lat, lon;
-};
-
-void expectPositions(const PredictedPositions& p, const Expected (&e)[6]) {
-  const CLLocationCoordinate2D got[6] = {p.left,    p.middle,    p.right,
-                                         p.midLeft, p.midMiddle, p.midRight};
-  const char* names[6] = {"left",    "middle",    "right",
-                          "midLeft", "midMiddle", "midRight"};
-  for (int i = 0; i < 6; ++i) {
-    EXPECT_EQ(e[i].lat, got[i].latitude) << names[i];
-    EXPECT_EQ(e[i].lon, got[i].longitude) << names[i];
-  }
+// The six points in declaration order: far left, middle, right, then mid.
+std::vector<CLLocationCoordinate2D> points(const PredictedPositions& p) {
+  return {p.left, p.middle, p.right, p.midLeft, p.midMiddle, p.midRight};
 }
 
-TEST(Projection, EastAtTenKmhMatchesSinglePrecisionTable) {
-  const Expected e[6] = {{12.971616744995117, 77.59469604492188},
-                         {12.971599578857422, 77.59469604492188},
-                         {12.971582412719727, 77.59469604492188},
-                         {12.97160816192627, 77.59464263916016},
-                         {12.971599578857422, 77.59465026855469},
-                         {12.971590995788574, 77.59464263916016}};
-  expectPositions(tarvo::predictPositions({12.9716, 77.5946}, 90.0, 10.0), e);
-}
-
-TEST(Projection, NorthEastAtHundredKmhMatchesSinglePrecisionTable) {
-  const Expected e[6] = {{12.972418785095215, 77.59518432617188},
-                         {12.972306251525879, 77.59532165527344},
-                         {12.972172737121582, 77.5954360961914},
-                         {12.97200870513916, 77.59488677978516},
-                         {12.971953392028809, 77.59495544433594},
-                         {12.971885681152344, 77.59501647949219}};
-  expectPositions(tarvo::predictPositions({12.9716, 77.5946}, 45.0, 100.0), e);
-}
-
-TEST(Projection, SpeedAtOrBelowZeroStaysPutAndNaNPropagates) {
-  for (double speed : {0.0, -5.0, -0.0}) {
-    const PredictedPositions p =
-        tarvo::predictPositions({12.9716, 77.5946}, 33.0, speed);
-    for (CLLocationCoordinate2D c :
-         {p.left, p.middle, p.right, p.midLeft, p.midMiddle, p.midRight}) {
-      EXPECT_EQ(12.971599578857422, c.latitude) << speed;
-      EXPECT_EQ(77.59459686279297, c.longitude) << speed;
+TEST(Projection, MatchesSinglePrecisionTables) {
+  // The fix in single precision, where every point of a standing fix lies.
+  constexpr double kLat = 12.971599578857422, kLon = 77.59459686279297;
+  struct Case {
+    const char* what;
+    double heading, speed;
+    double want[6][2];
+  };
+  const Case cases[] = {
+      {"east at 10 km/h",
+       90.0,
+       10.0,
+       {{12.971616744995117, 77.59469604492188},
+        {12.971599578857422, 77.59469604492188},
+        {12.971582412719727, 77.59469604492188},
+        {12.97160816192627, 77.59464263916016},
+        {12.971599578857422, 77.59465026855469},
+        {12.971590995788574, 77.59464263916016}}},
+      {"north-east at 100 km/h",
+       45.0,
+       100.0,
+       {{12.972418785095215, 77.59518432617188},
+        {12.972306251525879, 77.59532165527344},
+        {12.972172737121582, 77.5954360961914},
+        {12.97200870513916, 77.59488677978516},
+        {12.971953392028809, 77.59495544433594},
+        {12.971885681152344, 77.59501647949219}}},
+  };
+  for (const Case& c : cases) {
+    const auto got =
+        points(tarvo::predictPositions({12.9716, 77.5946}, c.heading, c.speed));
+    for (int i = 0; i < 6; ++i) {
+      EXPECT_EQ(c.want[i][0], got[i].latitude) << c.what << ", point " << i;
+      EXPECT_EQ(c.want[i][1], got[i].longitude) << c.what << ", point " << i;
     }
   }
-  const PredictedPositions p =
-      tarvo::predictPositions({12.9716, 77.5946}, 90.0, kNaN);
-  for (CLLocationCoordinate2D c :
-       {p.left, p.middle, p.right, p.midLeft, p.midMiddle, p.midRight}) {
-    EXPECT_TRUE(std::isnan(c.latitude) && std::isnan(c.longitude));
+  for (double speed : {0.0, -5.0, -0.0}) {  // stays put
+    for (CLLocationCoordinate2D p :
+         points(tarvo::predictPositions({12.9716, 77.5946}, 33.0, speed))) {
+      EXPECT_EQ(kLat, p.latitude) << speed;
+      EXPECT_EQ(kLon, p.longitude) << speed;
+    }
+  }
+  for (CLLocationCoordinate2D p :
+       points(tarvo::predictPositions({12.9716, 77.5946}, 90.0, kNaN))) {
+    EXPECT_TRUE(std::isnan(p.latitude) && std::isnan(p.longitude));
   }
 }
 
@@ -132,14 +133,7 @@ TEST(Projection, BearingsAndLongitudesAreNotNormalised) {
   EXPECT_GT(east.midMiddle.longitude, 180.0);
 }
 
-TEST(PointInPolygon, WorkedExampleCrossesTheNorthernEdge) {
-  EXPECT_TRUE(contains(kSlanted, 10.0012, 20.0045));
-  // Inside in exact arithmetic, but the float-rounded point lies exactly on
-  // the slanted edge V0-V3, which then does not count.
-  EXPECT_FALSE(contains(kSlanted, 10.0009995, 20.0005));
-}
-
-TEST(PointInPolygon, BoundaryAndDegenerateCases) {
+TEST(PointInPolygon, WorkedExampleBoundaryAndDegenerateCases) {
   struct Case {
     const char* what;
     const DMPointArray& ring;
@@ -153,13 +147,29 @@ TEST(PointInPolygon, BoundaryAndDegenerateCases) {
       {1.0, 1.0}, {1.0, 2.0}, {2.0, 2.0}, {2.0, 1.0}, {1.0, 1.0}};
   static const DMPointArray kAcross = {
       {0.0, 179.0}, {0.0, -179.0}, {1.0, -179.0}, {1.0, 179.0}};
+  // The square again with two more vertices on each side: rings of more
+  // than eight vertices take the general loop.
+  static const DMPointArray kTwelve = {
+      {1.0, 1.0}, {1.0, 1.3}, {1.0, 1.7}, {1.0, 2.0}, {1.3, 2.0}, {1.7, 2.0},
+      {2.0, 2.0}, {2.0, 1.7}, {2.0, 1.3}, {2.0, 1.0}, {1.7, 1.0}, {1.3, 1.0}};
+  static const DMPointArray kNaNVertex = {
+      {1.0, 1.0}, {kNaN, 2.0}, {2.0, 2.0}, {2.0, 1.0}};
   const Case cases[] = {
+      {"worked example", kSlanted, 10.0012, 20.0045, true},
+      // Inside in exact arithmetic, but the float-rounded point lies exactly
+      // on the slanted edge V0-V3, which then does not count.
+      {"worked example, on a slanted edge", kSlanted, 10.0009995, 20.0005,
+       false},
       {"square centre", kSquare, 1.5, 1.5, true},
       {"square southern edge", kSquare, 1.0, 1.5, true},
       {"square northern edge", kSquare, 2.0, 1.5, false},
       {"square western edge", kSquare, 1.5, 1.0, false},
       {"square eastern edge", kSquare, 1.5, 2.0, false},
       {"square outside", kSquare, 0.5, 1.5, false},
+      {"twelve vertices: centre", kTwelve, 1.5, 1.5, true},
+      {"twelve vertices: southern edge", kTwelve, 1.0, 1.5, true},
+      {"twelve vertices: northern edge", kTwelve, 2.0, 1.5, false},
+      {"twelve vertices: eastern edge", kTwelve, 1.5, 2.0, false},
       {"closing vertex repeated: centre", kClosed, 1.5, 1.5, true},
       {"closing vertex repeated: south edge", kClosed, 1.0, 1.5, true},
       {"closing vertex repeated: north edge", kClosed, 2.0, 1.5, false},
@@ -175,16 +185,12 @@ TEST(PointInPolygon, BoundaryAndDegenerateCases) {
       {"ring across 180 is not wrapped", kAcross, 0.5, 179.5, false},
       {"NaN latitude", kSquare, kNaN, 1.5, false},
       {"NaN longitude", kSquare, 1.5, kNaN, false},
+      // Must neither trap nor flip on the NaN crossing.
+      {"vertical edge with a NaN vertex", kNaNVertex, 1.5, 2.0, false},
   };
   for (const Case& c : cases)
     EXPECT_EQ(c.inside, contains(c.ring, c.lat, c.lon)) << c.what;
   EXPECT_FALSE(tarvo::pointInPolygon(nullptr, 4, 1.5f, 1.5f));
-}
-
-TEST(PointInPolygon, VerticalEdgeWithNaNVertexNeverCounts) {
-  const DMPointArray ring = {{1.0, 1.0}, {kNaN, 2.0}, {2.0, 2.0}, {2.0, 1.0}};
-  // Must neither trap nor flip on the NaN crossing.
-  EXPECT_FALSE(contains(ring, 1.5, 2.0));
 }
 
 }  // namespace

@@ -62,25 +62,21 @@ std::shared_ptr<DMPolygonArray> airport() {
 }
 
 // One line per event; runs of the same line are folded into "xN".
-class EventLog {
- public:
+struct EventLog {
+  std::vector<std::pair<std::string, int>> runs;
   void add(const std::string& line) {
-    if (!lines_.empty() && lines_.back().first == line) {
-      ++lines_.back().second;
+    if (!runs.empty() && runs.back().first == line) {
+      ++runs.back().second;
     } else {
-      lines_.push_back({line, 1});
+      runs.push_back({line, 1});
     }
   }
-  std::vector<std::string> folded() const {
-    std::vector<std::string> out;
-    for (const auto& [line, n] : lines_) {
-      out.push_back(n == 1 ? line : line + " x" + std::to_string(n));
-    }
+  std::string folded() const {
+    std::string out;
+    for (const auto& [line, n] : runs)
+      out += (n == 1 ? line : line + " x" + std::to_string(n)) + "\n";
     return out;
   }
-
- private:
-  std::vector<std::pair<std::string, int>> lines_;
 };
 
 TEST(RunwayCrossing, NoticesAndSoundFollowTheAircraft) {
@@ -134,19 +130,17 @@ TEST(RunwayCrossing, NoticesAndSoundFollowTheAircraft) {
       R"(occurred("RWY 12/30", "rwy-12-30", not on runway))",
       R"(sound x3)",
       R"(occurred("RWY 12/30", "rwy-12-30", not on runway) x3)",
-      R"(occurred("RWY 12/30", "rwy-12-30", on runway) x11)",  // 45 m at 4.2 m
-                                                               // a fix
+      // 45 m at 4.2 m a fix.
+      R"(occurred("RWY 12/30", "rwy-12-30", on runway) x11)",
       R"(occurred("RWY 12 HOLD SHORT B", "hs-b", not on runway))",
       R"(sound x2)",
       R"(occurred("RWY 12 HOLD SHORT B", "hs-b", not on runway) x6)",
       R"(removed("RWY 12 HOLD SHORT B", "hs-b"))",
       R"(removed("", "hs-b") x7)",
   };
-  EXPECT_EQ(expected, log.folded()) << [&] {
-    std::string s;
-    for (const std::string& l : log.folded()) s += l + "\n";
-    return s;
-  }();
+  std::string want;
+  for (const std::string& line : expected) want += line + "\n";
+  EXPECT_EQ(want, log.folded());
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -49,12 +50,12 @@ TEST(Callout, ReadsNamesAsAPilotSaysThem) {
     EXPECT_EQ(c.spoken, calloutText(c.name)) << c.name;
 }
 
-std::uint32_t le32(const std::string& b, std::size_t at) {
-  return static_cast<unsigned char>(b[at]) |
-         static_cast<unsigned char>(b[at + 1]) << 8 |
-         static_cast<unsigned char>(b[at + 2]) << 16 |
-         static_cast<std::uint32_t>(static_cast<unsigned char>(b[at + 3]))
-             << 24;
+// A little-endian field of the WAV file (every host this runs on is too).
+template <typename T>
+T field(const std::string& wav, std::size_t at) {
+  T value;
+  std::memcpy(&value, wav.data() + at, sizeof value);
+  return value;
 }
 
 TEST(Callout, RendersAudibleSpeech) {
@@ -71,8 +72,8 @@ TEST(Callout, RendersAudibleSpeech) {
   ASSERT_GT(wav.size(), 44u);
   ASSERT_EQ("RIFF", wav.substr(0, 4));
   ASSERT_EQ("data", wav.substr(36, 4));
-  const std::uint32_t rate = le32(wav, 24);
-  const std::uint32_t bytes = le32(wav, 40);
+  const auto rate = field<std::uint32_t>(wav, 24);
+  const auto bytes = field<std::uint32_t>(wav, 40);
   ASSERT_EQ(wav.size(), 44u + bytes);
   const double seconds = bytes / 2.0 / rate;
   // Nine words or so: well over a second, well under ten.
@@ -80,10 +81,7 @@ TEST(Callout, RendersAudibleSpeech) {
   EXPECT_LT(seconds, 10.0);
   double sumSquares = 0;
   for (std::size_t i = 44; i + 1 < wav.size(); i += 2) {
-    const auto s =
-        static_cast<std::int16_t>(static_cast<unsigned char>(wav[i]) |
-                                  static_cast<unsigned char>(wav[i + 1]) << 8);
-    sumSquares += static_cast<double>(s) * s;
+    sumSquares += std::pow(field<std::int16_t>(wav, i), 2);
   }
   const double rms = std::sqrt(sumSquares / (bytes / 2));
   EXPECT_GT(rms, 300.0) << "the callout is (nearly) silent";

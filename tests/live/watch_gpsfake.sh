@@ -14,30 +14,9 @@ here=$(cd "$(dirname "$0")" && pwd)
 
 # The watch starts first and waits for gpsd, as it would for a daemon that
 # starts after it.
-"$tool" watch --gpsd "127.0.0.1:$port" --data-dir "$work/store" --json \
-  --no-sound --exit-after-idle 10 \
-  --record "$work/recorded.csv" > "$work/watch.jsonl" 2> "$work/watch.err" &
-watch_pid=$!
-# gpsfake ignores SIGTERM: it runs in a session of its own, so that it and
-# its gpsd can be ended together.
-setsid gpsfake -1 -q -P "$port" -c 0.02 "$work/taxi.nmea" \
-  > "$work/gpsfake.log" 2>&1 &
-gpsfake_pid=$!
-trap 'kill -KILL -- "-$gpsfake_pid" 2>/dev/null || true' EXIT
-status=0
-wait "$watch_pid" || status=$?
-cat "$work/watch.err"
-if ((status != 0)); then
-  echo "FAIL: tarvo watch exited with $status"; cat "$work/gpsfake.log"; exit 1
-fi
-grep -q "connected to gpsd at 127.0.0.1:$port" "$work/watch.err" ||
-  { echo "FAIL: no connection message"; exit 1; }
-# Every fix of the taxi itself must have come through.
-"$here/fixes_received.py" "$work/taxi.nmea" "$work/recorded.csv" "of the taxi"
-
+start_watch 10
+start_gpsfake -1 "$work/taxi.nmea"
+finish_watch "connected to gpsd"
 echo "replay of the NMEA log vs watch:"
 "$here/compare_events.py" "$work/replay.jsonl" "$work/watch.jsonl"
-"$tool" replay "$work/recorded.csv" --data-dir "$work/store" --json \
-  > "$work/recorded.jsonl"
-echo "watch vs replay of its recorded track:"
-"$here/compare_events.py" "$work/watch.jsonl" "$work/recorded.jsonl"
+check_recorded "$work/taxi.nmea" "of the taxi"

@@ -29,6 +29,9 @@ std::string useDiskAudio(const std::string& dir);
 // A fresh empty directory under the system's temp dir.
 std::string makeTempDir();
 
+// The whole file's bytes ("" when it cannot be read).
+std::string readFile(const std::string& path);
+
 // Size of the file in whole frames (0 when it does not exist yet).
 std::size_t framesWritten(const std::string& path);
 

@@ -21,7 +21,9 @@
 namespace {
 
 namespace fs = std::filesystem;
+using tarvo::testing::occurred;
 using tarvo::testing::RecordingDelegate;
+using tarvo::testing::removed;
 
 #if TARVO_TEST_HAVE_AUDIO
 constexpr bool kHaveAudio = true;
@@ -47,14 +49,6 @@ std::shared_ptr<tarvo::DMPolygonArray> oneArea(const std::string& name) {
           tarvo::testing::box(10.0000, 20.0010, 10.0010, 20.0050))});
 }
 
-// The last notice: whether it is an entry, and the area's name and GUID.
-std::string lastNotice(const RecordingDelegate& d) {
-  if (d.notices.empty()) return "none";
-  const tarvo::testing::Notice& n = d.notices.back();
-  return std::string(n.occurred ? "occurred " : "removed ") +
-         n.name.value_or("<absent>") + "/" + n.guid.value_or("<absent>");
-}
-
 // One fix, then the main queue's tasks, as a host's main loop runs them.
 void handFix(tarvo::Tarvo& monitor, double lon) {
   monitor.checkPointinPolygonLatitude(kTrackLat, lon, kSpeedKmh, kHeadingDeg);
@@ -64,13 +58,8 @@ void handFix(tarvo::Tarvo& monitor, double lon) {
 TEST(MonitorSound, WithoutAUsableSoundFileTheMonitorStillWarns) {
   const std::string dir = tarvo_test::makeTempDir();
   tarvo_test::useDiskAudio(dir);
-  std::string chime;
-  {
-    std::ifstream in(tarvo::resourceDirectory() + "/localcaution.mp3",
-                     std::ios::binary);
-    chime.assign(std::istreambuf_iterator<char>(in),
-                 std::istreambuf_iterator<char>());
-  }
+  const std::string chime =
+      tarvo_test::readFile(tarvo::resourceDirectory() + "/localcaution.mp3");
   ASSERT_FALSE(chime.empty()) << "no chime in the build tree's resources";
   struct Case {
     const char* what;
@@ -94,18 +83,17 @@ TEST(MonitorSound, WithoutAUsableSoundFileTheMonitorStillWarns) {
     monitor->initializes();
     EXPECT_EQ(c.player, monitor->currentaudioPlayer() != nullptr) << c.what;
     monitor->setPolygons(oneArea(c.what));
+    const std::string guid = std::string("guid-") + c.what;
 
     delegate->notices.clear();
     handFix(*monitor, kInsideLon);
     ASSERT_EQ(1u, delegate->notices.size()) << c.what;
-    EXPECT_EQ(std::string("occurred ") + c.what + "/guid-" + c.what,
-              lastNotice(*delegate));
+    EXPECT_EQ(occurred(c.what, guid, true), delegate->notices[0]) << c.what;
     if (c.player) {
       EXPECT_TRUE(monitor->currentaudioPlayer()->isPlaying()) << c.what;
     }
     handFix(*monitor, kBeyondLon);
-    EXPECT_EQ(std::string("removed ") + c.what + "/guid-" + c.what,
-              lastNotice(*delegate));
+    EXPECT_EQ(removed(c.what, guid), delegate->notices.back()) << c.what;
     if (c.player) {
       EXPECT_FALSE(monitor->currentaudioPlayer()->isPlaying()) << c.what;
     }
@@ -175,8 +163,9 @@ TEST(MonitorSound, ATrackOntoAnAreaIsHeardAsTheAreaDemands) {
     const std::size_t exitAt = tarvo_test::framesWritten(output);
     handFix(*monitor, kBeyondLon);
     EXPECT_FALSE(player->isPlaying()) << c.area;
-    EXPECT_EQ(std::string("removed ") + c.area + "/guid-" + c.area,
-              lastNotice(*delegate));
+    EXPECT_EQ(removed(c.area, std::string("guid-") + c.area),
+              delegate->notices.back())
+        << c.area;
 
     ASSERT_TRUE(tarvo_test::waitForFrames(
         output, tarvo_test::framesWritten(output) + tarvo_test::kRateHz / 2));
