@@ -155,10 +155,10 @@ TEST(PointInPolygon, WorkedExampleBoundaryAndDegenerateCases) {
   static const DMPointArray kNaNVertex = {
       {1.0, 1.0}, {kNaN, 2.0}, {2.0, 2.0}, {2.0, 1.0}};
   const Case cases[] = {
-      {"worked example", kSlanted, 10.0012, 20.0045, true},
+      {"reference example", kSlanted, 10.0012, 20.0045, true},
       // Inside in exact arithmetic, but the float-rounded point lies exactly
       // on the slanted edge V0-V3, which then does not count.
-      {"worked example, on a slanted edge", kSlanted, 10.0009995, 20.0005,
+      {"reference example, on a slanted edge", kSlanted, 10.0009995, 20.0005,
        false},
       {"square centre", kSquare, 1.5, 1.5, true},
       {"square southern edge", kSquare, 1.0, 1.5, true},
