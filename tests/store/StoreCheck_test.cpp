@@ -79,6 +79,15 @@ TEST(StoreCheck, TellsAReadableStoreFromADamagedOrUnreadableOne) {
          overwrite(f, 3 * 4096, std::string(4096, '\xff'));
        },
        Status::kDamaged, -1, ""},
+      // Reads never touch the list of free pages; only the integrity check
+      // finds it broken, and the next write would use it.
+      {"broken free-page list",
+       [](const path& f) {
+         writeHealthyStore(f, 300);
+         Db(f).exec("delete from polygonPoints where polygonid > 50");
+         overwrite(f, 32, std::string("\x7f\xff\xff\xf0", 4));
+       },
+       Status::kDamaged, -1, ""},
   };
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.what);
