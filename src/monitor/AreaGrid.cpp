@@ -32,7 +32,7 @@ bool AreaGrid::add(std::uint32_t position, const DMPoint* vertices,
     borders.push_back(c / scale_);
   const std::vector<ReachSlab> slabs =
       crossingSlabs(vertices, count, reach, borders);
-  if (slabs.empty()) return addWholeReach(position, reach);
+  if (slabs.empty()) return false;  // a crossing latitude not finite
 
   long cells = 0;
   for (const ReachSlab& s : slabs) {
@@ -43,20 +43,6 @@ bool AreaGrid::add(std::uint32_t position, const DMPoint* vertices,
     if (slabs[k].isEmpty()) continue;  // no edge there: nothing is inside
     addColumn(position, first + static_cast<std::int32_t>(k), slabs[k].south,
               slabs[k].north);
-  }
-  return true;
-}
-
-bool AreaGrid::addWholeReach(std::uint32_t position,
-                             const CrossingReach& reach) {
-  const long columns =
-      long{cellNumber(reach.maxLon)} - cellNumber(reach.minLon) + 1;
-  const long rows =
-      long{cellNumber(reach.northBound)} - cellNumber(reach.southBound) + 1;
-  if (columns * rows > kMaxCellsPerArea) return false;
-  for (std::int32_t c = cellNumber(reach.minLon); c <= cellNumber(reach.maxLon);
-       ++c) {
-    addColumn(position, c, reach.southBound, reach.northBound);
   }
   return true;
 }

@@ -13,7 +13,8 @@
 // The cells that hold something are kept in an open-addressing hash table,
 // so that areas spread over the whole globe cost no more than one airport.
 // Areas too large for the grid (more than kMaxCellsPerArea cells, or bounds
-// beyond kMaxDegrees) are refused by add(); the caller lists them apart.
+// beyond kMaxDegrees), and the rare ring whose slab bounds are not finite,
+// are refused by add(); the caller lists them apart.
 //
 // Thread-safety: none; built once, then only read.
 #ifndef TARVO_SRC_MONITOR_AREAGRID_H_
@@ -88,7 +89,6 @@ class AreaGrid {
     return static_cast<std::size_t>((cell * 0x9E3779B97F4A7C15ull) >>
                                     (64 - tableBits_));
   }
-  bool addWholeReach(std::uint32_t position, const CrossingReach& reach);
   void addColumn(std::uint32_t position, std::int32_t column, double south,
                  double north);
 
