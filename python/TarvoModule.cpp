@@ -110,17 +110,21 @@ void resetState() {
   m.pmidLeftCoordinate = m.pmidMiddleCoordinate = m.pmidRightCoordinate = {};
 }
 
-py::dict checkStore(std::optional<std::string> path, int busyTimeoutMs) {
+py::dict checkStore(std::optional<std::string> path, int busyTimeoutMs,
+                    bool recover) {
+  const auto interrupted = recover ? tarvo::InterruptedWrite::kRecover
+                                   : tarvo::InterruptedWrite::kReport;
   const tarvo::StoreCheckReport r =
-      path ? tarvo::checkStoreFile(*path, busyTimeoutMs)
-           : tarvo::checkStore(busyTimeoutMs);
-  static const char* kStates[] = {"healthy", "missing", "unreadable", "damaged",
-                                  "inconsistent"};
+      path ? tarvo::checkStoreFile(*path, busyTimeoutMs, interrupted)
+           : tarvo::checkStore(busyTimeoutMs, interrupted);
+  static const char* kStates[] = {"healthy", "missing",      "unreadable",
+                                  "damaged", "inconsistent", "needs recovery"};
   py::dict d;
   d["state"] = kStates[static_cast<int>(r.status)];
   d["trusted"] = r.trusted();
   d["path"] = r.path;
   d["writable"] = r.writable;
+  d["recovered"] = r.recovered;
   d["sqlite_code"] = r.error.sqliteCode;
   d["area_count"] = r.areaCount;
   d["vertex_count"] = r.vertexCount;
@@ -172,7 +176,9 @@ PYBIND11_MODULE(_tarvo, m) {
   m.def("remove_all_polygons", [] { return monitor().removeAllPolygons(); });
   m.def("store_text_problem", &tarvo::storeTextProblem, py::arg("text"));
   m.def("check_store", &checkStore, py::arg("path") = py::none(),
-        py::arg("busy_timeout_ms") = 2000);
+        py::arg("busy_timeout_ms") = 2000, py::arg("recover") = false,
+        "The store's state as a dict; recover=True first rolls back a write "
+        "that a crash interrupted ('needs recovery') and sets 'recovered'.");
 
   m.def(
       "set_delegate",

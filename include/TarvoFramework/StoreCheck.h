@@ -40,19 +40,28 @@ struct StoreFinding {
 struct TARVO_EXPORT StoreCheckReport {
   /// The store's state as a whole.
   enum class Status {
-    kHealthy,       ///< readable, intact, every area sound
-    kMissing,       ///< no file yet
-    kUnreadable,    ///< cannot be opened or read: see `error` (a lock held by
-                    ///< another process is SQLITE_BUSY; not a database,
-                    ///< a directory, no permission)
-    kDamaged,       ///< readable, but SQLite finds damage or the tables are
-                    ///< missing: what is read from it may be incomplete
-    kInconsistent,  ///< intact, but some areas are not sound (findings)
+    kHealthy,        ///< readable, intact, every area sound
+    kMissing,        ///< no file yet
+    kUnreadable,     ///< cannot be opened or read: see `error` (a lock held by
+                     ///< another process is SQLITE_BUSY; not a database,
+                     ///< a directory, no permission)
+    kDamaged,        ///< readable, but SQLite finds damage or the tables are
+                     ///< missing: what is read from it may be incomplete
+    kInconsistent,   ///< intact, but some areas are not sound (findings)
+    kNeedsRecovery,  ///< a crash, kill or power cut interrupted a write and
+                     ///< left SQLite's hot journal: intact, but readable only
+                     ///< once a connection that may write has rolled the
+                     ///< write back (InterruptedWrite::kRecover, the tool,
+                     ///< or the store's own first use in initializes())
   };
   Status status = Status::kMissing;  ///< the store's state
   std::string path;                  ///< the file checked
   StoreError error;       ///< kUnreadable (and a read failing midway)
   bool writable = false;  ///< the file and its directory can be written
+  /// True when this check found an interrupted write and rolled it back
+  /// (InterruptedWrite::kRecover): the store is as it was before that write,
+  /// and the rest of the report describes it so. Tell the user.
+  bool recovered = false;
   /// False only for a database read in full that has no table at all (true
   /// when that could not be read): an empty file, or one
   /// whose first creation was interrupted. The store takes such a file as
@@ -75,6 +84,18 @@ struct TARVO_EXPORT StoreCheckReport {
   std::vector<std::string> describe(std::size_t perKind = 5) const;
 };
 
+/// What a check does with a write that a crash interrupted (a hot journal).
+enum class InterruptedWrite {
+  kReport,   ///< reads only and reports kNeedsRecovery
+  kRecover,  ///< rolls the write back on a connection of its own that may
+             ///< write, exactly as SQLite does on any such open, then
+             ///< checks again and sets `recovered`. The only write a check
+             ///< ever makes; it needs write access to the file's directory.
+};
+
+/// The store file's path: "Polygon.db" in the documents directory.
+TARVO_EXPORT std::string storeFilePath();
+
 /// Checks the store file "Polygon.db" in the documents directory
 /// (Directories.h). Opens its own read-only connection, waits up to
 /// `busyTimeoutMs` for a lock held by another connection, and closes it
@@ -93,14 +114,18 @@ struct TARVO_EXPORT StoreCheckReport {
 ///        milliseconds; 0 or less does not wait (a lock then fails at
 ///        once with SQLITE_BUSY).
 /// @return a report owned by the caller.
-TARVO_EXPORT StoreCheckReport checkStore(int busyTimeoutMs = 2000);
+/// @param interrupted whether to recover an interrupted write (see above).
+TARVO_EXPORT StoreCheckReport
+checkStore(int busyTimeoutMs = 2000,
+           InterruptedWrite interrupted = InterruptedWrite::kReport);
 
 /// The same for a store file at another path; nothing in the library needs
 /// to be set up first. A directory at that path is kUnreadable.
 /// @param path the database file, copied into the report.
-/// @param busyTimeoutMs as for checkStore().
-TARVO_EXPORT StoreCheckReport checkStoreFile(const std::string& path,
-                                             int busyTimeoutMs = 2000);
+/// @param busyTimeoutMs, interrupted as for checkStore().
+TARVO_EXPORT StoreCheckReport
+checkStoreFile(const std::string& path, int busyTimeoutMs = 2000,
+               InterruptedWrite interrupted = InterruptedWrite::kReport);
 
 }  // namespace tarvo
 

@@ -14,6 +14,7 @@
 #include "TarvoFramework/MainQueue.h"
 #include "TarvoFramework/SoundPlayer.h"
 #include "TarvoFramework/StoreCheck.h"
+#include "TarvoFramework/StoreSnapshot.h"
 #include "TarvoFramework/StoreText.h"
 #include "TarvoFramework/StoreWriteBatch.h"
 #include "TarvoFramework/Tarvo.h"

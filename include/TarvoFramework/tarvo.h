@@ -306,11 +306,13 @@ TARVO_EXPORT int tarvo_set_log_sink(tarvo_log_fn sink, void* user);
 
 /// The store's state, as tarvo::StoreCheckReport::Status.
 typedef enum tarvo_store_state {
-  TARVO_STORE_HEALTHY = 0,      ///< Readable, intact, every area sound.
-  TARVO_STORE_MISSING = 1,      ///< No file yet: a fresh install.
-  TARVO_STORE_UNREADABLE = 2,   ///< Cannot be opened or read.
-  TARVO_STORE_DAMAGED = 3,      ///< SQLite finds damage or no tables.
-  TARVO_STORE_INCONSISTENT = 4  ///< Intact, but some areas are not sound.
+  TARVO_STORE_HEALTHY = 0,        ///< Readable, intact, every area sound.
+  TARVO_STORE_MISSING = 1,        ///< No file yet: a fresh install.
+  TARVO_STORE_UNREADABLE = 2,     ///< Cannot be opened or read.
+  TARVO_STORE_DAMAGED = 3,        ///< SQLite finds damage or no tables.
+  TARVO_STORE_INCONSISTENT = 4,   ///< Intact, but some areas are not sound.
+  TARVO_STORE_NEEDS_RECOVERY = 5  ///< A crash interrupted a write; see
+                                  ///< tarvo_recover_store().
 } tarvo_store_state;
 
 /// What tarvo_check_store() found.
@@ -339,6 +341,21 @@ typedef struct tarvo_store_report {
 TARVO_EXPORT int tarvo_check_store(const char* path, int busy_timeout_ms,
                                    tarvo_store_report* report, char* text,
                                    size_t size, size_t* length);
+
+/// The same check, but a write that a crash interrupted
+/// (::TARVO_STORE_NEEDS_RECOVERY) is first rolled back on a connection of
+/// the check's own, as SQLite does on any open that may write; the store is
+/// then as it was before that write, and the report describes it so. Call
+/// it at start-up, before tarvo_initializes(), and tell the user when
+/// `recovered` is 1. The only write any check makes.
+/// @param path, busy_timeout_ms, report, text, size, length as for
+///        tarvo_check_store().
+/// @param recovered receives 1 when a write was rolled back, else 0;
+///        required.
+/// @return as tarvo_check_store().
+TARVO_EXPORT int tarvo_recover_store(const char* path, int busy_timeout_ms,
+                                     int* recovered, tarvo_store_report* report,
+                                     char* text, size_t size, size_t* length);
 
 /// @}
 /// @name Angles and version

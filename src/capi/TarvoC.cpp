@@ -110,6 +110,33 @@ std::string joinLines(const std::vector<std::string>& lines) {
   return text;
 }
 
+// tarvo_check_store() and tarvo_recover_store(): the check, told what to do
+// with an interrupted write.
+int checkStoreFor(const char* path, int busy_timeout_ms,
+                  tarvo::InterruptedWrite interrupted, int* recovered,
+                  tarvo_store_report* report, char* text, size_t size,
+                  size_t* length) {
+  if (!report || !length || !recovered || (!text && size > 0)) {
+    return TARVO_ERROR_NULL_ARGUMENT;
+  }
+  if (busy_timeout_ms < 0) return TARVO_ERROR_INVALID_ARGUMENT;
+  return guard([&] {
+    const tarvo::StoreCheckReport r =
+        path ? tarvo::checkStoreFile(path, busy_timeout_ms, interrupted)
+             : tarvo::checkStore(busy_timeout_ms, interrupted);
+    *recovered = r.recovered;
+    *report = tarvo_store_report{static_cast<int>(r.status),
+                                 r.trusted(),
+                                 r.writable,
+                                 r.hasTables,
+                                 r.error.sqliteCode,
+                                 r.areaCount,
+                                 r.vertexCount,
+                                 static_cast<int64_t>(r.findings.size())};
+    return copyOut(joinLines(r.describe()), text, size, length);
+  });
+}
+
 }  // namespace
 
 extern "C" {
@@ -332,24 +359,16 @@ int tarvo_set_log_sink(tarvo_log_fn sink, void* user) {
 int tarvo_check_store(const char* path, int busy_timeout_ms,
                       tarvo_store_report* report, char* text, size_t size,
                       size_t* length) {
-  if (!report || !length || (!text && size > 0)) {
-    return TARVO_ERROR_NULL_ARGUMENT;
-  }
-  if (busy_timeout_ms < 0) return TARVO_ERROR_INVALID_ARGUMENT;
-  return guard([&] {
-    const tarvo::StoreCheckReport r =
-        path ? tarvo::checkStoreFile(path, busy_timeout_ms)
-             : tarvo::checkStore(busy_timeout_ms);
-    *report = tarvo_store_report{static_cast<int>(r.status),
-                                 r.trusted(),
-                                 r.writable,
-                                 r.hasTables,
-                                 r.error.sqliteCode,
-                                 r.areaCount,
-                                 r.vertexCount,
-                                 static_cast<int64_t>(r.findings.size())};
-    return copyOut(joinLines(r.describe()), text, size, length);
-  });
+  int recovered = 0;
+  return checkStoreFor(path, busy_timeout_ms, tarvo::InterruptedWrite::kReport,
+                       &recovered, report, text, size, length);
+}
+
+int tarvo_recover_store(const char* path, int busy_timeout_ms, int* recovered,
+                        tarvo_store_report* report, char* text, size_t size,
+                        size_t* length) {
+  return checkStoreFor(path, busy_timeout_ms, tarvo::InterruptedWrite::kRecover,
+                       recovered, report, text, size, length);
 }
 
 }  // extern "C"

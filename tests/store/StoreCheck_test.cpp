@@ -2,8 +2,12 @@
 // a user has met: each case says what checkStore() must report, and the
 // check must leave the file exactly as it was.
 #include <TarvoFramework/StoreCheck.h>
+#include <TarvoFramework/StoreSnapshot.h>
+#include <TarvoFramework/Tarvo.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
+#include <csignal>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -36,6 +40,27 @@ void writeHealthyStore(const path& file, int areas = 1) {
     }
   }
   db.exec("commit");
+}
+
+// What a crash in the middle of a commit leaves: a child process changes
+// every row in a transaction too big for its page cache, so that changed
+// pages reach the file, and is killed before it commits. SQLite's hot
+// journal beside the file then holds the pages as they were.
+void interruptAWrite(const path& file) {
+  const pid_t child = fork();
+  if (child == 0) {
+    sqlite3* db = nullptr;
+    sqlite3_open(file.c_str(), &db);
+    sqlite3_exec(db,
+                 "PRAGMA cache_size = 1; BEGIN; DELETE FROM polygonPoints;"
+                 " UPDATE polygon SET polygonname = 'half written'",
+                 nullptr, nullptr, nullptr);
+    raise(SIGKILL);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  ASSERT_GT(storetest::fs::file_size(file.string() + "-journal"), 0u);
 }
 
 std::string contents(const path& file) {
@@ -119,6 +144,61 @@ TEST(StoreCheck, TellsAReadableStoreFromADamagedOrUnreadableOne) {
       EXPECT_EQ(before, contents(file));
     }
   }
+}
+
+// A crash during a commit must not leave the store refused for good: the
+// read-only check cannot roll the write back, says so, and rolls it back
+// when asked to; the store is then whole, as before the write.
+TEST(StoreCheck, RecoversAWriteThatACrashInterrupted) {
+  storetest::TempDir dir;
+  const path file = dir.path() / "Polygon.db";
+  writeHealthyStore(file, 300);
+  interruptAWrite(file);
+  const tarvo::StoreCheckReport found = tarvo::checkStoreFile(file.string());
+  EXPECT_EQ(Status::kNeedsRecovery, found.status);
+  EXPECT_FALSE(found.trusted());
+  EXPECT_FALSE(found.recovered);
+  EXPECT_NE(std::string::npos, found.describe()[0].find("needs recovery"));
+
+  const tarvo::StoreCheckReport r = tarvo::checkStoreFile(
+      file.string(), 2000, tarvo::InterruptedWrite::kRecover);
+  EXPECT_EQ(Status::kHealthy, r.status);
+  EXPECT_TRUE(r.recovered);
+  EXPECT_EQ(300, r.areaCount);
+  EXPECT_EQ(1200, r.vertexCount);
+  EXPECT_FALSE(tarvo::checkStoreFile(file.string()).recovered);
+}
+
+// The load after a check reads the checked state: the snapshot holds the
+// store's own connection in a read transaction that other programs cannot
+// commit through, recovers an interrupted write on it, and tells a load
+// that stopped short from a whole one.
+TEST(StoreSnapshot, HoldsTheCheckedStateUntilReleased) {
+  storetest::TempDocuments docs;
+  writeHealthyStore(docs.database(), 300);
+  interruptAWrite(docs.database());
+  EXPECT_EQ(Status::kNeedsRecovery,
+            tarvo::StoreSnapshot(0, tarvo::InterruptedWrite::kReport)
+                .report()
+                .status);
+
+  tarvo::StoreSnapshot snapshot;
+  ASSERT_TRUE(snapshot.held());
+  EXPECT_TRUE(snapshot.report().recovered);
+  EXPECT_EQ(Status::kHealthy, snapshot.report().status);
+  Db other(docs.database());
+  EXPECT_NE(SQLITE_OK, sqlite3_exec(other.handle(),
+                                    "begin immediate; delete from polygon;"
+                                    " commit",
+                                    nullptr, nullptr, nullptr));
+  other.exec("rollback");
+  const auto& monitor = tarvo::Tarvo::sharedManager();
+  monitor->getPolygons();
+  EXPECT_EQ(std::nullopt, snapshot.loadProblem(monitor->polygons().get()));
+  EXPECT_NE(std::nullopt, snapshot.loadProblem(300, 1199));
+  snapshot.release();
+  EXPECT_FALSE(snapshot.held());
+  other.exec("delete from polygon");
 }
 
 TEST(StoreCheck, ReportsALockHeldByAnotherConnection) {

@@ -272,7 +272,7 @@ int runImport(const ParsedArgs& args) {
   }
   applyDataDir(args);
   replaceEmptyStore();
-  requireTrustedStore(StoreUse::kWrite);
+  CheckedStore(StoreUse::kWrite).release();
   StoreLog log(args.has("verbose"));
   const bool replace = args.has("replace");
   std::vector<const AreaRecord*> written;
@@ -290,25 +290,45 @@ int runImport(const ParsedArgs& args) {
   return writeContext(airport);
 }
 
+// One stored area, as list and export show it.
+struct ListedArea {
+  std::shared_ptr<DMPolygon> polygon;
+  std::shared_ptr<DMPointArray> points;
+};
+
+// Every stored area with its vertices, read in the checked state; throws
+// StoreFailure when the read stopped short.
+std::vector<ListedArea> loadStoredAreas(const CheckedStore& checked) {
+  const auto& store = DBManager::getSharedInstance();
+  std::vector<ListedArea> areas;
+  std::size_t vertices = 0;
+  const auto polygons = store->getAllPolygons();
+  for (const auto& polygon : *polygons) {
+    areas.push_back({polygon, store->getAllPolygonPointsforPolygonID(
+                                  polygon->polygonID())});
+    vertices += areas.back().points->size();
+  }
+  checked.requireWholeLoad(areas.size(), vertices);
+  return areas;
+}
+
 int runList(const ParsedArgs& args) {
   applyDataDir(args);
-  const StoreCheckReport report = requireTrustedStore(StoreUse::kRead);
+  CheckedStore checked(StoreUse::kRead);
   const bool json = args.has("json");
-  if (report.status == StoreCheckReport::Status::kMissing) {
+  if (checked.missing()) {
     // Listing must not create a store.
-    std::cerr << "tarvo list: there is no store at " << report.path
+    std::cerr << "tarvo list: there is no store at " << checked.report().path
               << " yet (tarvo import creates it)\n";
-    if (!json) std::cout << "0 areas in " << report.path << "\n";
+    if (!json) std::cout << "0 areas in " << checked.report().path << "\n";
     return 0;
   }
   StoreLog log(false);
-  const auto& store = DBManager::getSharedInstance();
-  const auto polygons = store->getAllPolygons();
-  for (const auto& polygon : *polygons) {
+  const std::vector<ListedArea> areas = loadStoredAreas(checked);
+  checked.release();
+  for (const auto& [polygon, points] : areas) {
     const std::string name = polygon->polygonName().value_or("");
     const std::string guid = polygon->polygonGUID().value_or("");
-    const auto points =
-        store->getAllPolygonPointsforPolygonID(polygon->polygonID());
     if (json) {
       nlohmann::json vertices = nlohmann::json::array();
       for (const DMPoint& p : *points) {
@@ -326,10 +346,10 @@ int runList(const ParsedArgs& args) {
     }
   }
   if (!json) {
-    std::cout << plural(polygons->size(), "area") << " in "
-              << store->databasePath << "\n";
+    std::cout << plural(areas.size(), "area") << " in " << checked.report().path
+              << "\n";
   }
-  if (polygons->empty()) {
+  if (areas.empty()) {
     std::cerr << "tarvo list: no areas are stored (tarvo import adds them)\n";
   }
   return log.failures() > 0 ? 1 : 0;
@@ -340,10 +360,11 @@ int runRemove(const ParsedArgs& args) {
     requireStorableGuid("remove", guid);
   }
   applyDataDir(args);
-  const StoreCheckReport report = requireTrustedStore(StoreUse::kWrite);
-  if (report.status == StoreCheckReport::Status::kMissing) {
+  CheckedStore checked(StoreUse::kWrite);
+  checked.release();
+  if (checked.missing()) {
     // Removing must not create a store.
-    std::cerr << "tarvo remove: there is no store at " << report.path
+    std::cerr << "tarvo remove: there is no store at " << checked.report().path
               << "; no area was removed\n";
     return 1;
   }
@@ -371,28 +392,26 @@ int runExport(const ParsedArgs& args) {
   const std::string& path = args.positional.front();
   const std::string format = args.value("format").value_or("GeoJSON");
   applyDataDir(args);
-  const StoreCheckReport report = requireTrustedStore(StoreUse::kRead);
-  if (report.status == StoreCheckReport::Status::kMissing) {
-    std::cerr << "tarvo export: there is no store at " << report.path
+  CheckedStore checked(StoreUse::kRead);
+  if (checked.missing()) {
+    std::cerr << "tarvo export: there is no store at " << checked.report().path
               << " (tarvo import creates it); nothing was written\n";
     return 1;
   }
   StoreLog log(false);
   const auto& store = DBManager::getSharedInstance();
   std::vector<StoredArea> areas;
-  const auto polygons = store->getAllPolygons();
-  for (const auto& polygon : *polygons) {
+  for (const auto& [polygon, points] : loadStoredAreas(checked)) {
     StoredArea area;
     area.guid = polygon->polygonGUID().value_or("");
     area.name = polygon->polygonName().value_or("");
     area.kind = areaKind(area.name);
-    const auto points =
-        store->getAllPolygonPointsforPolygonID(polygon->polygonID());
     for (const DMPoint& p : *points) {
       area.vertices.push_back({p.latitude(), p.longitude()});
     }
     areas.push_back(std::move(area));
   }
+  checked.release();
   if (log.failures() > 0) return 1;
   writeAreas(path, format, areas);
   std::cout << "Exported " << plural(areas.size(), "area") << " from "
@@ -402,11 +421,12 @@ int runExport(const ParsedArgs& args) {
 
 int runClear(const ParsedArgs& args) {
   applyDataDir(args);
-  const StoreCheckReport report = requireTrustedStore(StoreUse::kWrite);
-  if (report.status == StoreCheckReport::Status::kMissing) {
-    std::cout << "Removed 0 areas (there is no store at " << report.path
-              << ")\n";
-    return removeContextFiles(report.path) ? 0 : 1;
+  CheckedStore checked(StoreUse::kWrite);
+  checked.release();
+  if (checked.missing()) {
+    std::cout << "Removed 0 areas (there is no store at "
+              << checked.report().path << ")\n";
+    return removeContextFiles(checked.report().path) ? 0 : 1;
   }
   StoreLog log(false);
   const auto& store = DBManager::getSharedInstance();

@@ -324,12 +324,14 @@ int replayStream(const ParsedArgs& args, bool realSound) {
   }
   const TrackReadOptions options = trackOptions(args);
   applyDataDir(args);
-  const StoreCheckReport store = requireTrustedStore(StoreUse::kRead);
-  requireAreas(store);
+  CheckedStore store(StoreUse::kRead);
+  store.requireAreas();
   StoreLog log(false);
   FixSession session(std::cout, {{args.has("json"), args.has("all-notices"),
                                   args.has("quiet")},
                                  realSound});
+  store.requireWholeLoad(session.areas().get());
+  store.release();
   TrackStream stream(args.positional.front(), options);
   NearAreas near(*session.areas(), 5000.0);
   std::vector<SkippedFix> skipped;
@@ -355,7 +357,7 @@ int replayStream(const ParsedArgs& args, bool realSound) {
   requireFixes(args, handed, skipped);
   near.warnIfFar();
   session.printSummary(skipped);
-  writeReport(args, session, skipped, store.path);
+  writeReport(args, session, skipped, store.report().path);
   return 0;
 }
 
@@ -393,12 +395,14 @@ int runReplay(const ParsedArgs& args) {
       throw UsageError("replay", "--realtime FACTOR must be above 0");
   }
   applyDataDir(args);
-  const StoreCheckReport store = requireTrustedStore(StoreUse::kRead);
-  requireAreas(store);
+  CheckedStore store(StoreUse::kRead);
+  store.requireAreas();
   StoreLog log(false);
   FixSession session(std::cout, {{args.has("json"), args.has("all-notices"),
                                   args.has("quiet")},
                                  factor > 0.0});
+  store.requireWholeLoad(session.areas().get());
+  store.release();
   NearAreas near(*session.areas(), 5000.0);
   const bool progress = isatty(STDERR_FILENO) && !args.has("quiet");
   std::size_t done = 0, total = 0;
@@ -449,7 +453,7 @@ int runReplay(const ParsedArgs& args) {
   if (factor > 0.0) waitFor(1.5, 1.0);  // let the last sound finish
 
   session.printSummary(skipped);
-  writeReport(args, session, skipped, store.path);
+  writeReport(args, session, skipped, store.report().path);
   return 0;
 }
 

@@ -275,7 +275,8 @@ std::optional<std::string> Watch::stopReason() const {
 int runWatch(const ParsedArgs& args) {
   const WatchOptions options = watchOptions(args);
   applyDataDir(args);
-  requireAreas(requireTrustedStore(StoreUse::kRead));
+  CheckedStore store(StoreUse::kRead);
+  store.requireAreas();
   std::unique_ptr<CsvTrackWriter> record;
   if (options.recordPath) {
     record = std::make_unique<CsvTrackWriter>(*options.recordPath);
@@ -284,6 +285,8 @@ int runWatch(const ParsedArgs& args) {
   FixSession session(std::cout, {{args.has("json"), args.has("all-notices"),
                                   args.has("quiet")},
                                  options.realSound});
+  store.requireWholeLoad(session.areas().get());
+  store.release();
   std::unique_ptr<SpokenCallout> voice;
   if (options.voice) {
     voice = std::make_unique<SpokenCallout>();
