@@ -29,16 +29,19 @@ int main(int argc, char** argv) {
   char problems[1024];
   size_t length = 0;
   tarvo_store_report report;
-  int warnings = 0, status, i;
+  int warnings = 0, recovered = 0, status, i;
 
   printf("TarvoFramework %.1f (C)\n", TarvoFrameworkVersionNumber);
   if (argc > 1 && (status = tarvo_set_documents_directory(argv[1])) != TARVO_OK)
     return fail("documents directory", status);
 
-  status = tarvo_check_store(NULL, 2000, &report, problems, sizeof problems,
-                             &length);
+  /* At start-up, a write that a crash interrupted is rolled back first. */
+  status = tarvo_recover_store(NULL, 2000, &recovered, &report, problems,
+                               sizeof problems, &length);
   if (status != TARVO_OK && status != TARVO_ERROR_BUFFER_TOO_SMALL)
     return fail("store check", status);
+  if (recovered)
+    printf("The last change of the runway database was interrupted; undone\n");
   if (!report.trusted) {
     fprintf(stderr, "The runway database cannot be trusted:\n%s\n", problems);
     return 1;

@@ -41,9 +41,11 @@ int main(int argc, char** argv) {
   }
   if (mode == "--store" && argc == 4) {
     tarvo::setDocumentsDirectory(argv[2]);
-    // What a host does at start-up: a store without tables (killed while it
-    // was being made) holds nothing and is made anew.
-    const tarvo::StoreCheckReport report = tarvo::checkStore();
+    // What a host does at start-up: an interrupted write is rolled back,
+    // and a store without tables (killed while it was being made) holds
+    // nothing and is made anew.
+    const tarvo::StoreCheckReport report =
+        tarvo::checkStore(2000, tarvo::InterruptedWrite::kRecover);
     if (report.status == tarvo::StoreCheckReport::Status::kDamaged &&
         !report.hasTables) {
       std::remove(report.path.c_str());
